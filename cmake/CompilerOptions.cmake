@@ -1,0 +1,31 @@
+# Warnings, hardening and link options that every target of the project shares.
+add_compile_options(-Wall -Wextra -Wpedantic)
+if(QORCFG_WERROR)
+    add_compile_options(-Werror)
+endif()
+# Log lines and messages name a source unit, never the folder it was built in.
+add_compile_options(-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
+
+if(CMAKE_CXX_FLAGS MATCHES "-fsanitize" OR CMAKE_BUILD_TYPE STREQUAL "Debug")
+    set(QORCFG_HARDENED OFF)
+else()
+    set(QORCFG_HARDENED ON)
+endif()
+add_compile_definitions(_GLIBCXX_ASSERTIONS)
+if(QORCFG_HARDENED)
+    add_compile_options(-fstack-protector-strong -fstack-clash-protection)
+    add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+    add_compile_options(-ffunction-sections -fdata-sections)
+    add_link_options(-Wl,-z,relro,-z,now -Wl,--gc-sections)
+endif()
+include(CheckPIESupported)
+check_pie_supported()
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+# qorcfg_library(NAME SOURCES... [PUBLIC LIBS...]): a static library of one source folder.
+function(qorcfg_library name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
+    add_library(${name} STATIC ${ARG_SOURCES})
+    target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
+    target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
+endfunction()

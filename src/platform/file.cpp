@@ -1,0 +1,210 @@
+#include "platform/file.h"
+
+#include <atomic>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+namespace qorcfg {
+
+namespace {
+
+std::string folder_of(const std::string &path)
+{
+    const auto slash = path.rfind('/');
+    if (slash == std::string::npos) {
+        return ".";
+    }
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+std::string unique_temporary(const std::string &path)
+{
+    static std::atomic<unsigned> counter{0};
+    return path + "." + std::to_string(::getpid()) + "-" + std::to_string(++counter) + ".tmp";
+}
+
+} // namespace
+
+Fd open_file(const std::string &path, int flags, mode_t mode)
+{
+    int fd = -1;
+    do {
+        fd = ::open(path.c_str(), flags | O_CLOEXEC, mode);
+    } while (fd < 0 && errno == EINTR);
+    return Fd(fd);
+}
+
+std::optional<std::string> read_file(const std::string &path, std::size_t bound)
+{
+    const Fd fd = open_file(path, O_RDONLY | O_NOCTTY);
+    if (!fd) {
+        return std::nullopt;
+    }
+    std::string content;
+    struct stat info {};
+    if (::fstat(fd.get(), &info) == 0 && info.st_size > 0) {
+        if (static_cast<unsigned long long>(info.st_size) > bound) {
+            errno = EFBIG;
+            return std::nullopt;
+        }
+        content.reserve(static_cast<std::size_t>(info.st_size));
+    }
+    std::string block(16384, '\0');
+    for (;;) {
+        const ssize_t got = ::read(fd.get(), block.data(), block.size());
+        if (got == 0) {
+            return content;
+        }
+        if (got < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            return std::nullopt;
+        }
+        content.append(block, 0, static_cast<std::size_t>(got));
+        if (content.size() > bound) {
+            errno = EFBIG;
+            return std::nullopt;
+        }
+    }
+}
+
+bool write_all(int fd, std::string_view text)
+{
+    while (!text.empty()) {
+        const ssize_t written = ::write(fd, text.data(), text.size());
+        if (written > 0) {
+            text.remove_prefix(static_cast<std::size_t>(written));
+        } else if (written == 0) {
+            errno = ENOSPC;
+            return false;
+        } else if (errno != EINTR) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool append_all(int fd, std::string_view text)
+{
+    if (text.empty()) {
+        return true;
+    }
+    const off_t length = ::lseek(fd, 0, SEEK_END);
+    if (length < 0) {
+        return false;
+    }
+    if (write_all(fd, text)) {
+        return true;
+    }
+    const int saved_errno = errno;
+    if (::ftruncate(fd, length) != 0) {
+        // Nothing more can be done: the caller reports the write error.
+    }
+    errno = saved_errno;
+    return false;
+}
+
+Fd lock_path(const std::string &path, int operation)
+{
+    Fd fd = open_file(path, O_RDONLY);
+    if (!fd) {
+        return fd;
+    }
+    while (::flock(fd.get(), operation) != 0) {
+        if (errno != EINTR) {
+            return {};
+        }
+    }
+    return fd;
+}
+
+AtomicFile::AtomicFile(std::string path, mode_t mode, std::string_view suffix)
+    : path_(std::move(path))
+{
+    temporary_ = suffix.empty() ? unique_temporary(path_) : path_ + std::string(suffix);
+    ::unlink(temporary_.c_str());
+    fd_ = open_file(temporary_, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
+    if (!fd_) {
+        fail();
+        done_ = true; // no temporary of ours to remove
+        return;
+    }
+    struct stat old {};
+    const bool replaces = ::stat(path_.c_str(), &old) == 0 && S_ISREG(old.st_mode);
+    if (replaces && (old.st_uid != ::geteuid() || old.st_gid != ::getegid()) &&
+        ::fchown(fd_.get(), old.st_uid, old.st_gid) != 0) {
+        fail();
+        return;
+    }
+    if (::fchmod(fd_.get(), replaces ? old.st_mode & 07777 : mode) != 0) {
+        fail();
+    }
+}
+
+AtomicFile::~AtomicFile()
+{
+    if (!done_) {
+        const int saved_errno = errno;
+        ::unlink(temporary_.c_str());
+        errno = saved_errno;
+    }
+}
+
+bool AtomicFile::fail()
+{
+    if (error_ == 0) {
+        error_ = errno == 0 ? EIO : errno;
+    }
+    return false;
+}
+
+bool AtomicFile::write(std::string_view text)
+{
+    return ok() && (write_all(fd_.get(), text) || fail());
+}
+
+bool AtomicFile::prepare()
+{
+    if (!ok()) {
+        return false;
+    }
+    if (fd_ && (::fsync(fd_.get()) != 0 || ::close(fd_.release()) != 0)) {
+        return fail();
+    }
+    return true;
+}
+
+bool AtomicFile::commit()
+{
+    if (!prepare()) {
+        return false;
+    }
+    if (::rename(temporary_.c_str(), path_.c_str()) != 0) {
+        return fail();
+    }
+    done_ = true;
+    // The new content stands already; a folder that cannot be synced is no reason to fail.
+    sync_folder_of(path_);
+    return true;
+}
+
+bool replace_file(const std::string &path, std::string_view text, mode_t mode)
+{
+    AtomicFile file(path, mode);
+    if (file.write(text) && file.commit()) {
+        return true;
+    }
+    errno = file.error();
+    return false;
+}
+
+bool sync_folder_of(const std::string &path)
+{
+    const Fd folder = open_file(folder_of(path), O_RDONLY | O_DIRECTORY);
+    return folder && ::fsync(folder.get()) == 0;
+}
+
+} // namespace qorcfg
