@@ -126,7 +126,7 @@ AtomicFile::AtomicFile(std::string path, mode_t mode, std::string_view suffix)
 {
     temporary_ = suffix.empty() ? unique_temporary(path_) : path_ + std::string(suffix);
     ::unlink(temporary_.c_str());
-    fd_ = open_file(temporary_, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
+    fd_ = open_file(temporary_, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
     if (!fd_) {
         fail();
         done_ = true; // no temporary of ours to remove

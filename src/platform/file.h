@@ -47,6 +47,7 @@ public:
     /// False once a step has failed; `error` has its errno.
     bool ok() const { return error_ == 0; }
     int error() const { return error_; }
+    /// The temporary, open for reading and writing until `prepare`.
     int fd() const { return fd_.get(); }
 
     bool write(std::string_view text);

@@ -1,11 +1,14 @@
 #include "platform/path_root.h"
 
+#include <atomic>
 #include <cstdlib>
 #include <mutex>
 
 namespace qorcfg {
 
 namespace {
+
+std::atomic<unsigned> generation{0};
 
 std::string without_trailing_slashes(std::string_view root)
 {
@@ -44,8 +47,17 @@ void set_path_root(std::string_view new_root)
 {
     const std::lock_guard lock(root().mutex);
     root().value = without_trailing_slashes(new_root);
+    ++generation;
 }
 
-std::string rooted(std::string_view path) { return path_root().append(path); }
+unsigned path_root_generation()
+{
+    return generation.load(std::memory_order_acquire);
+}
+
+std::string rooted(std::string_view path)
+{
+    return path_root().append(path);
+}
 
 } // namespace qorcfg

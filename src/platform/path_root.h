@@ -13,6 +13,10 @@ std::string path_root();
 /// other thread uses a path.
 void set_path_root(std::string_view root);
 
+/// Grows with every call of `set_path_root`: whoever keeps something open below the root sees from
+/// it, without a lock, that the root is another now.
+unsigned path_root_generation();
+
 /// The built-in absolute path `path` ("/tmp/cache/...") below the path root.
 std::string rooted(std::string_view path);
 

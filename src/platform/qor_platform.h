@@ -34,16 +34,17 @@ int qor_safe_system(int reserved1, int reserved2, int reserved3, const char *pat
 
 /* Formats into `buffer` of `size` bytes, cutting at size-1 and always terminating. `routine` names
  * the caller in the diagnostic that a cut prints on standard error. Returns the length of the text
- * now in the buffer, or -1 for a null or empty buffer. */
+ * now in the buffer, or -1 for a null or empty buffer or a text that cannot be formed. */
 int qor_sprintf_s(const char *routine, char *buffer, size_t size, const char *format, ...);
 
-/* Scans `text`. The format knows "%d" (an int *), "%s" and "%[^c...]" (each a char * followed by its
- * buffer size as a size_t, text kept to size-1 bytes); other characters must match themselves,
+/* Scans `text`. The format knows "%d" (an int *), "%s" and "%[^c...]" (each a char * followed by
+ * its buffer size as a size_t, text kept to size-1 bytes); other characters must match themselves,
  * a blank matches any run of blanks. Returns the number of fields stored, or -1 when the text ended
  * before the first of them. */
 int qor_sscanf_s(const char *text, const char *format, ...);
 
-/* snprintf that always terminates; returns the length of the text now in the buffer, -1 as above. */
+/* snprintf that always terminates; returns the length of the text now in the buffer or -1, as
+ * above. */
 int qor_snprintf(char *buffer, size_t size, const char *format, ...);
 
 #ifdef __cplusplus

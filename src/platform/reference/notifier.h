@@ -1,0 +1,65 @@
+#pragma once
+
+#include "platform/reference/store.h"
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// How changes of store keys are told to the daemon on its control socket.
+namespace qorcfg {
+
+/// Numbers that the daemon keeps between two commits; more in one commit would be dropped.
+inline constexpr std::size_t announcement_limit = 64;
+
+/// Action of the message that ends a group of announcements; its number is 0.
+inline constexpr int commit_action = 3;
+
+/// The names that are announced when `key` changes: the key, and the name that stands for a whole
+/// list of keys: the key without the digits at its end ("reservation3" -> "reservation"), or
+/// "led_time_schedule" for "led_time_schedule_<mac>_<n>". A key of digits alone stands for no list.
+std::vector<std::string> announced_names(std::string_view key);
+
+/// One announcement: what happened (a number of `KeyChange`) to the key with this `config_key_id`.
+struct Announcement {
+    int action;
+    std::int32_t id;
+};
+
+/// What goes to the daemon as one commit. Once that is sent, every number of the `completed` keys
+/// has been announced, by this group or an earlier one, and their marks can go.
+struct AnnouncementGroup {
+    std::vector<Announcement> announcements;
+    std::vector<MarkedKey> completed;
+};
+
+/// Splits the announcements of the marked keys into groups of at most `announcement_limit`, in the
+/// order of the keys. A number that several keys announce is announced once, with the action of the
+/// first of them; the numbers of one key are not torn apart.
+std::vector<AnnouncementGroup> plan_announcements(const std::vector<MarkedKey> &keys);
+
+/// How sending a message ended: 0 and "", or an errno and a line that says what is wrong.
+struct SendResult {
+    int error = 0;
+    std::string text;
+    bool ok() const { return error == 0; }
+    /// Nobody listens: there is no socket (ENOENT), or a daemon that is gone left it
+    /// (ECONNREFUSED).
+    bool no_daemon() const;
+};
+
+struct SendOptions {
+    /// How long connecting, sending, and waiting for the end of the connection may take, each.
+    std::chrono::milliseconds limit{30'000};
+    /// Wait until the daemon has closed the connection, so that it has read the message.
+    bool wait_for_close = false;
+};
+
+/// Sends one message to the daemon over a connection of its own: two messages on one stream could
+/// arrive as one. Safe from several threads.
+SendResult send_message(int action, std::int32_t id, const SendOptions &options = {});
+
+} // namespace qorcfg
