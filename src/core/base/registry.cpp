@@ -1,0 +1,83 @@
+#include "core/base/registry.h"
+
+#include "core/base/log.h"
+#include "platform/key_id.h"
+
+#include <algorithm>
+#include <new>
+
+namespace qorcfg {
+
+// `what` names the kind of subscription in the warning.
+KeyRecord *Registry::walk_to(std::int32_t key_id, const char *what)
+{
+    int count = 0;
+    for (KeyRecord &record : records_) {
+        if (++count >= warning_limit) {
+            QORCFG_LOG("Too many %s %d (max %d)", what, count, warning_limit);
+        }
+        if (record.key_id == key_id) {
+            return &record;
+        }
+    }
+    return nullptr;
+}
+
+template <typename Callback>
+std::int32_t Registry::add(std::int32_t key_id, const char *what, Callback callback,
+                           std::vector<Callback> KeyRecord::*list)
+{
+    KeyRecord *record = walk_to(key_id, what);
+    try {
+        if (record != nullptr) {
+            std::vector<Callback> &callbacks = record->*list;
+            if (std::find(callbacks.begin(), callbacks.end(), callback) == callbacks.end()) {
+                callbacks.push_back(callback);
+            }
+            return key_id;
+        }
+        KeyRecord added{key_id, {}, {}};
+        (added.*list).push_back(callback);
+        records_.push_back(std::move(added));
+    } catch (const std::bad_alloc &) {
+        return -1;
+    }
+    return key_id;
+}
+
+std::int32_t Registry::subscribe(const char *key, UpdateCallback callback)
+{
+    const std::int32_t key_id = config_key_id(key);
+    QORCFG_LOG("Subscribe name %s spoint %d !!!!", key == nullptr ? "" : key, key_id);
+    return add(key_id, "subscriptions", callback, &KeyRecord::normal);
+}
+
+std::int32_t Registry::subscribe_soap(const char *key, SoapCallback callback)
+{
+    return add(config_key_id(key), "soap subscriptions", callback, &KeyRecord::soap);
+}
+
+const KeyRecord *Registry::find(std::int32_t key_id) const
+{
+    const auto record = std::find_if(records_.begin(), records_.end(),
+                                     [&](const KeyRecord &each) { return each.key_id == key_id; });
+    return record == records_.end() ? nullptr : &*record;
+}
+
+Registry &registry()
+{
+    static Registry instance;
+    return instance;
+}
+
+std::int32_t subscribe_config(int /*priority*/, UpdateCallback callback, const char *key)
+{
+    return registry().subscribe(key, callback);
+}
+
+std::int32_t subscribe_soap(int /*priority*/, SoapCallback callback, const char *key)
+{
+    return registry().subscribe_soap(key, callback);
+}
+
+} // namespace qorcfg

@@ -1,0 +1,6 @@
+#include "core/qorcfg.h"
+
+int main(int argc, char **argv)
+{
+    return qorcfg::run_daemon(argc, argv);
+}

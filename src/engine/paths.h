@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace qorcfg {
+
+inline constexpr const char *uci_folder = "/tmp/cache/qorcfg/ucicfg.d";
+inline constexpr const char *nvram_folder = "/tmp/cache/qorcfg/nvramcfg.d";
+
+/// A path as it fits the fields that hold it on the device: its first 127 bytes.
+inline std::string bounded_path(std::string path)
+{
+    constexpr std::size_t limit = 127;
+    path.resize(path.size() < limit ? path.size() : limit);
+    return path;
+}
+
+/// Whether a package, section or document name can be part of a file name.
+inline bool is_file_name(std::string_view name)
+{
+    return !name.empty() && name.find('/') == std::string_view::npos;
+}
+
+} // namespace qorcfg

@@ -1,0 +1,132 @@
+#include "engine/transaction.h"
+
+#include "core/base/job_number.h"
+#include "core/base/log.h"
+#include "engine/batch_time.h"
+#include "platform/file.h"
+#include "platform/path_root.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <map>
+#include <memory>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace qorcfg {
+
+namespace {
+
+constexpr std::size_t snapshot_bound = std::size_t{64} << 20;
+constexpr mode_t private_mode = 0600; // documents hold passwords
+
+/// The new snapshot lies under this ending from before the lines are written until it is renamed.
+constexpr std::string_view pending_suffix = ".new";
+
+bool set_time(int fd, const timespec &time)
+{
+    const std::array<timespec, 2> times{timespec{0, UTIME_OMIT}, time};
+    return ::futimens(fd, times.data()) == 0;
+}
+
+} // namespace
+
+Transaction::Writer &Transaction::writer_of(const std::string &snapshot)
+{
+    static std::mutex mutex;
+    static std::map<std::string, std::unique_ptr<Writer>> writers;
+    const std::lock_guard lock(mutex);
+    std::unique_ptr<Writer> &writer = writers[snapshot];
+    if (!writer) {
+        writer = std::make_unique<Writer>();
+    }
+    return *writer;
+}
+
+Transaction::Transaction(DocumentFiles files)
+    : files_{rooted(files.folder), rooted(files.batch), rooted(files.snapshot)},
+      writer_(writer_of(files_.snapshot)), lock_(writer_.mutex),
+      folder_lock_(lock_path(files_.folder, LOCK_SH))
+{
+    if (folder_lock_) {
+        batch_ = open_file(files_.batch, O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW, private_mode);
+    }
+    if (batch_) {
+        // The place of this file among those of its job, even when no line follows.
+        ::fchmod(batch_.get(), private_mode);
+        set_time(batch_.get(), next_batch_time());
+    }
+}
+
+Transaction::~Transaction() = default;
+
+bool Transaction::is_overtaken(int job) const
+{
+    return writer_.last_job != 0 && is_newer_job(writer_.last_job, job);
+}
+
+Json Transaction::load(const std::string &path) const
+{
+    const auto text = read_file(path, snapshot_bound);
+    if (!text) {
+        if (errno != ENOENT) {
+            QORCFG_LOG("cannot read snapshot %s: %s", path.c_str(), std::strerror(errno));
+        }
+        return {};
+    }
+    std::string error = "not an object";
+    Json document = parse_json(*text, JsonSyntax::strict, &error);
+    if (!is_json_object(document.get())) {
+        QORCFG_LOG("snapshot %s is damaged (%s) and counts as absent", path.c_str(), error.c_str());
+        return {};
+    }
+    return document;
+}
+
+Json Transaction::last_document() const
+{
+    return load(files_.snapshot);
+}
+
+Json Transaction::cut_off_document() const
+{
+    return load(files_.snapshot + std::string(pending_suffix));
+}
+
+bool Transaction::finish(std::string_view lines, json_object *document, std::optional<int> job)
+{
+    const char *text = json_object_to_json_string_ext(document, JSON_C_TO_STRING_PRETTY);
+    AtomicFile snapshot(files_.snapshot, private_mode, pending_suffix);
+    if (text == nullptr || !snapshot.write(text) || !snapshot.prepare()) {
+        QORCFG_LOG("cannot write snapshot %s: %s", files_.snapshot.c_str(),
+                   std::strerror(snapshot.error()));
+        return false;
+    }
+    if (!append_all(batch_.get(), lines)) {
+        QORCFG_LOG("cannot append to %s: %s", files_.batch.c_str(), std::strerror(errno));
+        return false;
+    }
+    if (!lines.empty()) {
+        set_time(batch_.get(), next_batch_time());
+        print_lines(lines);
+    }
+    if (!snapshot.commit()) {
+        QORCFG_LOG("cannot replace snapshot %s: %s", files_.snapshot.c_str(),
+                   std::strerror(snapshot.error()));
+        return false;
+    }
+    if (job) {
+        writer_.last_job = *job;
+    }
+    return true;
+}
+
+void print_lines(std::string_view text)
+{
+    write_all(STDOUT_FILENO, text);
+}
+
+} // namespace qorcfg
