@@ -48,7 +48,6 @@ int JobBoard::create()
     const int job = next_job_number(pth_count);
     pth_count = job;
     running_[job] = true;
-    ++workers_;
     publish_locked();
     return job;
 }
@@ -83,8 +82,13 @@ void JobBoard::end(int job, const char *status)
 void JobBoard::abandon(int job)
 {
     const std::lock_guard lock(mutex_);
-    --workers_;
     remove(job);
+}
+
+void JobBoard::worker_started()
+{
+    const std::lock_guard lock(mutex_);
+    ++workers_;
 }
 
 void JobBoard::worker_gone()

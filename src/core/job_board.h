@@ -33,7 +33,8 @@ public:
     void end(int job, const char *status);
     /// Ends a job that could not be started; the status file stays.
     void abandon(int job);
-    /// The job's worker is gone from here.
+    /// A worker thread is about to start, and has nothing left to do.
+    void worker_started();
     void worker_gone();
 
     /// Waits until no job has callbacks left to run. True when no worker is left at all.

@@ -39,9 +39,16 @@ void run_calls(CallTables &calls, int job)
     }
 }
 
-void apply(const JobRecord &record)
+} // namespace
+
+void run_job(const JobRecord &record)
 {
     const int job = record.job;
+    if (record.count == 0) {
+        QORCFG_LOG("  This is not a valid Action");
+        job_board().end(job, status_invalid);
+        return;
+    }
     job_board().begin(job);
     QORCFG_LOG("NO.%d get config change number is  %d", job, static_cast<int>(record.count));
     guarded_call([&] {
@@ -54,18 +61,11 @@ void apply(const JobRecord &record)
     job_board().end(job, status_done);
 }
 
-} // namespace
-
 void *create_event_pthread(void *record_pointer)
 {
     const JobRecord record = *std::unique_ptr<JobRecord>(static_cast<JobRecord *>(record_pointer));
     QORCFG_LOG(" NO.%d Start pthread !!!", record.job);
-    if (record.count == 0) {
-        QORCFG_LOG("  This is not a valid Action");
-        job_board().end(record.job, status_invalid);
-    } else {
-        apply(record);
-    }
+    run_job(record);
     QORCFG_LOG(" NO.%d Stop pthread !!!", record.job);
     pthread_detach(pthread_self());
     job_board().worker_gone();
@@ -75,10 +75,12 @@ void *create_event_pthread(void *record_pointer)
 bool start_worker(std::unique_ptr<JobRecord> record)
 {
     const int job = record->job;
+    job_board().worker_started();
     pthread_t thread{};
     const int error = pthread_create(&thread, nullptr, create_event_pthread, record.get());
     if (error != 0) {
         QORCFG_LOG("NO.%d create pthread error,info is：%s", job, std::strerror(error));
+        job_board().worker_gone();
         job_board().abandon(job);
         return false;
     }

@@ -16,11 +16,14 @@ struct JobRecord {
     int job = 0;
 };
 
-/// Thread entry of a worker; takes over the `JobRecord` behind `record`. Publishes "2", runs the
-/// SOAP callbacks and then the update callbacks that the changed keys trigger, each once, then the
-/// commit hook, and publishes "1" if no newer job exists ("3" for a job without changes). An
-/// exception of a callback is logged and ends that callback only. The thread ends detached, with
-/// the value 1.
+/// Does one job that the board has numbered: publishes "2", runs the SOAP callbacks and then the
+/// update callbacks that the changed keys trigger, each once, then the commit hook, and publishes
+/// "1" if no newer job exists ("3" for a job without changes). An exception of a callback is logged
+/// and ends that callback only.
+void run_job(const JobRecord &record);
+
+/// Thread entry of a worker: takes over the `JobRecord` behind `record` and runs that job. The
+/// thread ends detached, with the value 1.
 void *create_event_pthread(void *record);
 
 /// Starts a detached worker for a job that the board has numbered. False when no thread could be

@@ -1,43 +1,51 @@
 #pragma once
 
+#include "platform/fd.h"
+
 #include <chrono>
-#include <sys/wait.h>
-#include <thread>
-#include <unistd.h>
+#include <string>
+#include <sys/types.h>
+#include <vector>
 
-namespace qorcfg {
+namespace qorcfg::test {
 
-/// Runs `body` in a forked process, whose exit status is what it returns. The process number.
-template <typename Body> pid_t start_process(Body body)
-{
-    const pid_t pid = ::fork();
-    if (pid == 0) {
-        ::_exit(body());
-    }
-    return pid;
-}
+/// How a program ended and what it printed.
+struct ProcessEnd {
+    int status = -1; ///< exit status, 128 + signal for a killed one
+    std::string out;
+    std::string err;
+};
 
-/// Exit status of a forked process, 128 + signal of a killed one.
-inline int end_of(pid_t pid)
-{
-    int status = 0;
-    if (::waitpid(pid, &status, 0) != pid) {
-        return -1;
-    }
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-}
+/// A program that runs beside the test; killed and reaped with its owner. Its output goes to files.
+class Process {
+public:
+    /// Starts argv[0] with the test's environment and the added variables ("NAME=value").
+    explicit Process(const std::vector<std::string> &argv,
+                     const std::vector<std::string> &environment = {},
+                     const std::string &input = {});
+    ~Process();
+    Process(const Process &) = delete;
+    Process &operator=(const Process &) = delete;
 
-/// Waits until `condition` holds, 20 seconds at most; whether it does.
-template <typename Condition> bool eventually(Condition condition)
-{
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
-    return true;
-}
+    pid_t pid() const { return pid_; }
+    bool running();
+    void signal(int number) const;
+    /// Waits for the end, at most `bound`; a program that does not end is killed and has status -1.
+    ProcessEnd wait(std::chrono::milliseconds bound = std::chrono::seconds(120));
 
-} // namespace qorcfg
+private:
+    bool reap(bool block);
+
+    pid_t pid_ = -1;
+    int status_ = -1;
+    bool ended_ = false;
+    Fd out_;
+    Fd err_;
+};
+
+/// Runs a program to its end.
+ProcessEnd run_process(const std::vector<std::string> &argv,
+                       const std::vector<std::string> &environment = {},
+                       const std::string &input = {});
+
+} // namespace qorcfg::test

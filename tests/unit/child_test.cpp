@@ -1,7 +1,7 @@
 #include "platform/child.h"
 
 #include "platform/file.h"
-#include "support/process.h"
+#include "support/forked_process.h"
 #include "support/scratch_root.h"
 #include "support/text.h"
 

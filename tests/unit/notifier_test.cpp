@@ -2,7 +2,7 @@
 
 #include "platform/fd.h"
 #include "platform/key_id.h"
-#include "support/process.h"
+#include "support/forked_process.h"
 #include "support/scratch_root.h"
 #include "support/text.h"
 

@@ -1,7 +1,7 @@
 #include "platform/file.h"
 #include "platform/qor_platform.h"
 #include "platform/reference/store.h"
-#include "support/process.h"
+#include "support/forked_process.h"
 #include "support/scratch_root.h"
 #include "support/text.h"
 

@@ -2,7 +2,7 @@
 
 #include "platform/config_value.h"
 #include "platform/qor_platform.h"
-#include "support/process.h"
+#include "support/forked_process.h"
 #include "support/scratch_root.h"
 #include "support/text.h"
 

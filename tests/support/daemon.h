@@ -1,0 +1,55 @@
+#pragma once
+
+#include "support/device_root.h"
+#include "support/process.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace qorcfg::test {
+
+/// The real daemon in a scratch root, with the real `qorctl` beside it. Its hook scripts are
+/// recording stubs until a test writes others.
+class Daemon {
+public:
+    Daemon();
+    /// A daemon that must end as a test expects it to; the destructor only cleans up.
+    ~Daemon();
+
+    DeviceRoot &device() { return device_; }
+    const DeviceRoot &device() const { return device_; }
+
+    /// Enables these components in the list file that `start` names by default.
+    void list_components(const std::vector<std::string> &names);
+    /// Starts the daemon and waits until it serves; `arguments` follow the program name.
+    void start(const std::vector<std::string> &arguments = {});
+    /// Starts it without waiting.
+    void launch(const std::vector<std::string> &arguments = {});
+    /// Whether the control socket takes connections.
+    bool accepts() const;
+    /// SIGTERM and wait. The exit status and what it printed.
+    ProcessEnd stop();
+    /// SIGKILL and wait.
+    void kill();
+    Process &process() { return *process_; }
+
+    /// Runs qorctl below this root.
+    ProcessEnd qorctl(const std::vector<std::string> &arguments,
+                      const std::string &input = {}) const;
+    /// Sends one raw message on a connection of its own.
+    void send(const std::string &message) const;
+    /// Connects to the control socket.
+    Fd connect() const;
+
+    /// Job numbers that the stub commit hook has seen, in order of its calls; the start-up hook's
+    /// call is "init 0".
+    std::vector<std::string> hook_calls() const;
+    std::string status() const;
+
+private:
+    DeviceRoot device_;
+    std::unique_ptr<Process> process_;
+};
+
+} // namespace qorcfg::test

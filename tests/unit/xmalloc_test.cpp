@@ -1,0 +1,30 @@
+#include "core/base/xmalloc.h"
+
+#include "support/device_root.h"
+
+#include <cstdint>
+#include <cstring>
+#include <gtest/gtest.h>
+
+namespace qorcfg {
+namespace {
+
+TEST(XmallocTest, MemoryThatIsThereCanBeWritten)
+{
+    const Memory memory = xmalloc(8);
+    ASSERT_TRUE(memory);
+    std::memset(memory.get(), 0x5a, 8);
+}
+
+TEST(XmallocTest, MemoryThatCannotBeHadIsLoggedAndNull)
+{
+    const test::DeviceRoot device;
+    const Memory memory = xmalloc(PTRDIFF_MAX - std::size_t{4096});
+    EXPECT_FALSE(memory);
+    ASSERT_EQ(device.log().size(), 1U);
+    EXPECT_EQ(device.log().front().rfind("Failed to allocate ", 0), 0U);
+    EXPECT_NE(device.log().front().find(" bytes"), std::string::npos);
+}
+
+} // namespace
+} // namespace qorcfg
