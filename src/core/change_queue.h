@@ -2,6 +2,7 @@
 
 #include "core/control_message.h"
 #include "core/pending_table.h"
+#include "platform/control_protocol.h"
 
 namespace qorcfg {
 

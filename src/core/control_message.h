@@ -14,9 +14,6 @@ struct ControlMessage {
     std::int32_t key_id = 0;
 };
 
-/// The action that commits; any other announces a change.
-inline constexpr std::int32_t commit_action = 3;
-
 /// The first message of what one read returned, of any content. Numbers beyond 32 bits stop at the
 /// nearest limit.
 ControlMessage parse_control_message(std::string_view received);

@@ -1,5 +1,6 @@
 #include "core/control_server.h"
 
+#include "platform/control_protocol.h"
 #include "platform/path_root.h"
 
 #include <algorithm>

@@ -8,8 +8,6 @@
 
 namespace qorcfg {
 
-inline constexpr const char *control_socket = "/tmp/cache/qorcfg/server.socket";
-
 /// The control socket: takes messages from local clients and answers nothing.
 ///
 /// All connections are waited on together, so a client that connects and falls silent holds up

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/control_protocol.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -12,7 +14,7 @@ struct PendingChange {
     std::int32_t action;
 };
 
-inline constexpr std::size_t pending_limit = 64;
+inline constexpr std::size_t pending_limit = announcement_limit;
 
 /// Changes that were announced since the last commit: a ring of 64. Further ones overwrite the
 /// oldest slots, so a job carries 64 changes at most.

@@ -13,16 +13,16 @@ namespace qorcfg {
 /// open(2) with O_CLOEXEC, retried when interrupted. An empty Fd and errno on failure.
 Fd open_file(const std::string &path, int flags, mode_t mode = 0);
 
-/// Reads a whole file of at most `bound` bytes. Nothing on failure, with errno: ENOENT for a missing
-/// file, EFBIG for one above the bound, EISDIR for a folder.
+/// Reads a whole file of at most `bound` bytes. Nothing on failure, with errno: ENOENT for a
+/// missing file, EFBIG for one above the bound, EISDIR for a folder.
 std::optional<std::string> read_file(const std::string &path, std::size_t bound);
 
 /// Writes all of `text`, going on after short and interrupted writes. False and errno on failure;
 /// part of the text may then be written.
 bool write_all(int fd, std::string_view text);
 
-/// Appends `text` to the open file whole or not at all: after a failed or short write the file is cut
-/// back to the length that it had. False and errno on failure.
+/// Appends `text` to the open file whole or not at all: after a failed or short write the file is
+/// cut back to the length that it had. False and errno on failure.
 bool append_all(int fd, std::string_view text);
 
 /// Takes a flock(2) lock (LOCK_SH or LOCK_EX) on `path`, which must exist, waiting for it. The lock
@@ -31,10 +31,10 @@ Fd lock_path(const std::string &path, int operation);
 
 /// Replaces a file so that a reader, and a power cut, meet the old or the new content whole.
 ///
-/// The content goes to a temporary file in the same folder; `commit` makes it durable and renames it
-/// over the old one. The new file takes over owner and mode of a file that it replaces; a new one
-/// gets `mode`. A temporary that was not committed is removed with the object, so a failure leaves the
-/// old file and nothing else.
+/// The content goes to a temporary file in the same folder; `commit` makes it durable and renames
+/// it over the old one. The new file takes over owner and mode of a file that it replaces; a new
+/// one gets `mode`. A temporary that was not committed is removed with the object, so a failure
+/// leaves the old file and nothing else.
 class AtomicFile {
 public:
     /// Opens the temporary: `path` + `suffix`, replacing a left-over of that name, or a name of its

@@ -146,7 +146,7 @@ bool SendResult::no_daemon() const
 
 SendResult send_message(int action, std::int32_t id, const SendOptions &options)
 {
-    const std::string path = rooted("/tmp/cache/qorcfg/server.socket");
+    const std::string path = rooted(control_socket);
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     if (path.size() >= sizeof address.sun_path) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/control_protocol.h"
 #include "platform/reference/store.h"
 
 #include <chrono>
@@ -11,12 +12,6 @@
 
 // How changes of store keys are told to the daemon on its control socket.
 namespace qorcfg {
-
-/// Numbers that the daemon keeps between two commits; more in one commit would be dropped.
-inline constexpr std::size_t announcement_limit = 64;
-
-/// Action of the message that ends a group of announcements; its number is 0.
-inline constexpr int commit_action = 3;
 
 /// The names that are announced when `key` changes: the key, and the name that stands for a whole
 /// list of keys: the key without the digits at its end ("reservation3" -> "reservation"), or
