@@ -10,6 +10,7 @@
 #include <csignal>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 namespace qorcfg {
 namespace {
@@ -159,6 +160,29 @@ TEST_F(StoreTest, SettingsOfAFullStoreCanBeRemovedAgain)
     }
     EXPECT_EQ(set("small", "1"), "");
     EXPECT_STREQ(config_get("small"), "1");
+}
+
+TEST_F(StoreTest, AFullMemoryFileSystemRefusesTheWriteAndLaterWritesSucceed)
+{
+    ASSERT_EQ(set("before", "1"), "");
+    const rlim_t now = std::filesystem::file_size(root / "tmp/cache/config");
+    store_close();
+    EXPECT_EQ(end_of(start_process([now] {
+                  std::signal(SIGXFSZ, SIG_IGN);
+                  const rlimit full{now, RLIM_INFINITY};
+                  const rlimit free{RLIM_INFINITY, RLIM_INFINITY};
+                  if (config_match("before", "1") != 1 || ::setrlimit(RLIMIT_FSIZE, &full) != 0) {
+                      return 1;
+                  }
+                  const std::string error = set("big", std::string(store_value_limit, 'v'));
+                  if (error.find("cannot write big to ") != 0 || store_has("big")) {
+                      return 2;
+                  }
+                  ::setrlimit(RLIMIT_FSIZE, &free);
+                  return config_set("after", "1") == 0 && config_match("before", "1") == 1 ? 0 : 3;
+              })),
+              0);
+    EXPECT_EQ(listed(""), (Lines{"after=1", "before=1"}));
 }
 
 TEST_F(StoreTest, AStoreThatCannotBeOpenedIsSaidWithPathAndReason)

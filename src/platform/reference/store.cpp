@@ -206,6 +206,13 @@ int said(const std::string &error)
     return -1;
 }
 
+/// What `config_get` returned last in the calling thread.
+std::string &text_of_last_read()
+{
+    thread_local std::string text;
+    return text;
+}
+
 std::string_view text_or_empty(const char *text)
 {
     return text == nullptr ? "" : text;
@@ -284,8 +291,8 @@ bool store_has(const char *key)
 
 const char *config_get(const char *key)
 {
-    thread_local std::string text;
-    if (!qorcfg::with_value(key, [](std::string_view value) { text = value; })) {
+    std::string &text = qorcfg::text_of_last_read();
+    if (!qorcfg::with_value(key, [&](std::string_view value) { text = value; })) {
         text.clear();
     }
     return text.c_str();
