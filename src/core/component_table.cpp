@@ -85,7 +85,8 @@ std::string enabled_name(std::string_view line)
     return std::string(line.substr(0, std::min(line.find('='), name_limit)));
 }
 
-bool for_each_listed_component(const std::string &path, void (*visit)(const char *name))
+bool for_each_listed_component(const std::string &path,
+                               const std::function<void(const char *name)> &visit)
 {
     const std::optional<std::string> content = read_file(path, list_bound);
     if (!content) {

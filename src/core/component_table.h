@@ -3,6 +3,7 @@
 #include "core/base/component.h"
 
 #include <array>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -33,7 +34,8 @@ std::string enabled_name(std::string_view line);
 
 /// Calls `visit(name)` for each component that the list file at `path` enables, in file order.
 /// Lines of more than 254 bytes go on as further lines. False when the file cannot be read.
-bool for_each_listed_component(const std::string &path, void (*visit)(const char *name));
+bool for_each_listed_component(const std::string &path,
+                               const std::function<void(const char *name)> &visit);
 
 /// Enables each listed component. A file that cannot be read enables none.
 void enable_listed_components(const std::string &path);

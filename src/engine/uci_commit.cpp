@@ -6,6 +6,7 @@
 #include "engine/paths.h"
 #include "engine/transaction.h"
 #include "engine/uci_lines.h"
+#include "engine/writes_held.h"
 #include "platform/file.h"
 #include "platform/path_root.h"
 
@@ -62,6 +63,9 @@ std::string difference_lines(const Transaction &transaction, std::string_view pa
 void commit_document(const Document &doc, std::string_view package_name,
                      std::string_view section_name, int trigger, int job, Granularity granularity)
 {
+    if (WritesHeld::now()) {
+        return;
+    }
     const std::string package(package_name);
     const std::string section(section_name);
     if (!is_file_name(package) || !is_file_name(section)) {

@@ -4,6 +4,7 @@
 #include "platform/path_root.h"
 
 #include <array>
+#include <atomic>
 #include <cstdarg>
 #include <cstdio>
 #include <ctime>
@@ -14,6 +15,8 @@
 namespace qorcfg {
 
 namespace {
+
+std::atomic<int> silences{0};
 
 bool diagnostics_are_on()
 {
@@ -32,7 +35,7 @@ std::string local_time_text()
 
 int log_line(std::string_view source, int line, const char *format, std::va_list arguments)
 {
-    if (!diagnostics_are_on()) {
+    if (silences > 0 || !diagnostics_are_on()) {
         return 0;
     }
     std::array<char, 1024> message{};
@@ -42,13 +45,23 @@ int log_line(std::string_view source, int line, const char *format, std::va_list
     if (!console) {
         return 0;
     }
-    const std::string text = "[" + local_time_text() + "][" + std::string(source) + " " +
-                             std::to_string(line) + "] : " + message.data() + "\n";
+    const std::string text = std::string("[") + local_time_text() + "][" + std::string(source) +
+                             " " + std::to_string(line) + "] : " + message.data() + "\n";
     write_all(console.get(), text);
     return 0;
 }
 
 } // namespace
+
+LogSilence::LogSilence()
+{
+    ++silences;
+}
+
+LogSilence::~LogSilence()
+{
+    --silences;
+}
 
 int qorcfg_log(std::string_view source, int line, const char *format, ...)
 {

@@ -24,6 +24,16 @@ struct SourcePlace {
     }
 };
 
+/// While one lives, no log line of the process reaches the console: for tools that run the daemon's
+/// code and must not speak in its name.
+class LogSilence {
+public:
+    LogSilence();
+    ~LogSilence();
+    LogSilence(const LogSilence &) = delete;
+    LogSilence &operator=(const LogSilence &) = delete;
+};
+
 /// Appends "[time][source line] : message\n" to the console while the file "/tmp/qorcfg_debug" is
 /// readable; without it returns after that one check. `format` is printf's; a message is cut at
 /// 1023 bytes. Returns 0. Safe from any thread; lines of several threads do not mix.
