@@ -1,0 +1,77 @@
+#include "tools/arguments.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+
+namespace qorcfg {
+
+namespace {
+
+// Cannot occur in an argument, and means nothing to the parser.
+constexpr char shield = '\0';
+
+} // namespace
+
+CLI::App *add_verb(CLI::App &app, const char *name, const char *description, const char *example)
+{
+    CLI::App *verb = app.add_subcommand(name, description);
+    verb->group("Verbs");
+    verb->footer(std::string("Example:\n") + example);
+    return verb;
+}
+
+void choose(CLI::App &verb, Session &session, std::function<int(Session &)> action)
+{
+    verb.callback([&session, action = std::move(action)] {
+        session.action = [&session, action] { return action(session); };
+    });
+}
+
+void add_argument(CLI::App &verb, const char *name, std::string &value, const char *description)
+{
+    verb.add_option(name, value, description)->required()->transform(unshielded)->option_text(" ");
+}
+
+void add_arguments(CLI::App &verb, const char *name, std::vector<std::string> &values,
+                   const char *description)
+{
+    verb.add_option(name, values, description)
+        ->required()
+        ->transform(unshielded)
+        ->option_text("...");
+}
+
+void add_optional_argument(CLI::App &verb, const char *name, std::string &value,
+                           const char *description)
+{
+    verb.add_option(name, value, description)->transform(unshielded)->option_text(" ");
+}
+
+void add_json_flag(CLI::App &verb, bool &json)
+{
+    verb.add_flag("--json", json, "Print as JSON");
+}
+
+std::vector<std::string> shielded(std::vector<std::string> arguments)
+{
+    const auto mark = std::find(arguments.begin(), arguments.end(), "--");
+    for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
+        if (argument > mark || *argument == "++" || argument->substr(0, 1) == "[") {
+            argument->insert(argument->begin(), shield);
+        }
+    }
+    if (mark != arguments.end()) {
+        arguments.erase(mark);
+    }
+    return arguments;
+}
+
+std::string unshielded(std::string argument)
+{
+    if (!argument.empty() && argument.front() == shield) {
+        argument.erase(0, 1);
+    }
+    return argument;
+}
+
+} // namespace qorcfg

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace qorcfg {
+
+/// A callback that a key triggers.
+struct Subscriber {
+    enum class Kind { update, soap };
+    const char *component; ///< name of its table row
+    Kind kind;
+    int number; ///< among the component's callbacks of this kind, by first subscription, from 1
+};
+
+/// The callbacks that the announcement of one name triggers.
+struct Subscribers {
+    std::string name;
+    std::int32_t id;
+    std::vector<Subscriber> callbacks; ///< update callbacks and then SOAP callbacks, each in order
+                                       ///< of the component table
+};
+
+/// What triggers when `keys` change: one entry for each name that is announced then, each once.
+/// Enables every component of this build in this process, and empties its registry; nothing is
+/// written.
+std::vector<Subscribers> subscribers_of(const std::vector<std::string> &keys);
+
+} // namespace qorcfg
