@@ -39,12 +39,14 @@ Fd open_file(const std::string &path, int flags, mode_t mode)
 std::optional<std::string> read_file(const std::string &path, std::size_t bound)
 {
     const Fd fd = open_file(path, O_RDONLY | O_NOCTTY);
-    if (!fd) {
-        return std::nullopt;
-    }
+    return fd ? read_descriptor(fd.get(), bound) : std::nullopt;
+}
+
+std::optional<std::string> read_descriptor(int fd, std::size_t bound)
+{
     std::string content;
     struct stat info {};
-    if (::fstat(fd.get(), &info) == 0 && info.st_size > 0) {
+    if (::fstat(fd, &info) == 0 && info.st_size > 0) {
         if (static_cast<unsigned long long>(info.st_size) > bound) {
             errno = EFBIG;
             return std::nullopt;
@@ -53,7 +55,7 @@ std::optional<std::string> read_file(const std::string &path, std::size_t bound)
     }
     std::string block(16384, '\0');
     for (;;) {
-        const ssize_t got = ::read(fd.get(), block.data(), block.size());
+        const ssize_t got = ::read(fd, block.data(), block.size());
         if (got == 0) {
             return content;
         }
