@@ -1,3 +1,4 @@
+#include "uci/uci_from_c.h"
 #include "uci/uci_tool.h"
 
 #include <algorithm>
@@ -279,6 +280,15 @@ TEST(UciCorpusFile, HoldsCases)
 {
     // An empty file, or a wrong path, would pass for a corpus in which everything is right.
     EXPECT_FALSE(corpus().empty());
+}
+
+TEST(UciInterface, ServesProgramsInC)
+{
+    const UciScratch scratch;
+    UciScratch::write(scratch.config("p"), "config t a\n\toption x 1\n\tlist l 1\nconfig t b\n");
+    EXPECT_EQ(count_options_from_c(scratch.confdir().c_str(), "p", "a"), 102);
+    EXPECT_EQ(count_options_from_c(scratch.confdir().c_str(), "p", "b"), 1);
+    EXPECT_EQ(count_options_from_c(scratch.confdir().c_str(), "nop", "b"), 0);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "platform/uci/context.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <dirent.h>
@@ -40,21 +41,23 @@ int Context::list_configs(char **&list) const
     if (names.empty()) {
         return UCI_ERR_NOTFOUND;
     }
-    std::size_t bytes = (names.size() + 1) * sizeof(char *);
+    // One block, so that a single free, which is the caller's, releases pointers and texts.
+    const std::size_t pointers = (names.size() + 1) * sizeof(char *);
+    std::size_t bytes = pointers;
     for (const auto &name : names) {
         bytes += name.size() + 1;
     }
-    // One block, so that a single free, which is the caller's, releases pointers and texts.
-    auto **entry =
-        static_cast<char **>(std::calloc(1, bytes)); // NOLINT(cppcoreguidelines-no-malloc)
-    if (entry == nullptr) {
+    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc,cppcoreguidelines-owning-memory)
+    void *const block = std::calloc(1, bytes);
+    if (block == nullptr) {
         return UCI_ERR_MEM;
     }
-    list = entry;
-    char *text = static_cast<char *>(static_cast<void *>(entry + names.size() + 1));
+    list = static_cast<char **>(block);
+    char *text = static_cast<char *>(block) + pointers;
+    char **entry = list;
     for (const auto &name : names) {
         *entry++ = text;
-        text = std::strcpy(text, name.c_str()) + name.size() + 1; // measured above
+        text = std::copy_n(name.c_str(), name.size() + 1, text);
     }
     return UCI_OK;
 }

@@ -21,27 +21,6 @@ uci_element blank_element(uci_type type)
 
 } // namespace
 
-void list_init(uci_list &head)
-{
-    head.next = &head;
-    head.prev = &head;
-}
-
-void list_append(uci_list &head, uci_list &link)
-{
-    link.prev = head.prev;
-    link.next = &head;
-    head.prev->next = &link;
-    head.prev = &link;
-}
-
-void list_unlink(uci_list &link)
-{
-    link.prev->next = link.next;
-    link.next->prev = link.prev;
-    list_init(link);
-}
-
 template <class Node> std::size_t NameIndex<Node>::Hash::operator()(std::string_view name) const
 {
     return std::hash<std::string_view>{}(name);
@@ -241,7 +220,7 @@ bool Package::move_section(Section &section, int position)
     for (; before != &sections && position > 0; --position) {
         before = before->next;
     }
-    list_append(*before, node.release()->e.list); // appending to a link puts it before that link
+    list_append(*before, node.release()->e.list);
     return before != old_next;
 }
 

@@ -12,9 +12,27 @@
 /// children. A node never moves, so that callers may keep pointers into it until it is deleted.
 namespace qorcfg::uci {
 
-void list_init(uci_list &head);
-void list_append(uci_list &head, uci_list &link);
-void list_unlink(uci_list &link);
+inline void list_init(uci_list &head)
+{
+    head.next = &head;
+    head.prev = &head;
+}
+
+/// Puts a link before `head`, which is the end of the list. Any link can be given as the head.
+inline void list_append(uci_list &head, uci_list &link)
+{
+    link.prev = head.prev;
+    link.next = &head;
+    head.prev->next = &link;
+    head.prev = &link;
+}
+
+inline void list_unlink(uci_list &link)
+{
+    link.prev->next = link.next;
+    link.next->prev = link.prev;
+    list_init(link);
+}
 
 /// The nodes of one uci_list, owned. `append` takes over a node, `remove` and the destructor
 /// destroy.

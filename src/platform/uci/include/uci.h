@@ -46,9 +46,10 @@ enum uci_type {
 
 enum uci_option_type { UCI_TYPE_STRING = 0, UCI_TYPE_LIST = 1 };
 
-/* STRICT: one bad line makes a package unreadable, otherwise bad lines are passed over. PERROR: such
- * lines are reported on standard error. EXPORT_NAME: anonymous sections are exported under their
- * generated names. SAVED_DELTA: the changes read from the save folder are kept in saved_delta. */
+/* STRICT: one bad line makes a package unreadable, otherwise bad lines are passed over. PERROR:
+ * such lines are reported on standard error. EXPORT_NAME: anonymous sections are exported under
+ * their generated names. SAVED_DELTA: the changes read from the save folder are kept in
+ * saved_delta. */
 enum uci_flags {
     UCI_FLAG_STRICT = (1 << 0),
     UCI_FLAG_PERROR = (1 << 1),
@@ -154,7 +155,8 @@ struct uci_context *uci_alloc_context(void);
 void uci_free_context(struct uci_context *ctx);
 int uci_set_confdir(struct uci_context *ctx, const char *dir);
 int uci_set_savedir(struct uci_context *ctx, const char *dir);
-/* A package that exists in this folder is used in place of the one in confdir; NULL: no such folder. */
+/* A package that exists in this folder is used in place of the one in confdir; NULL: no such
+ * folder. */
 int uci_set_conf2dir(struct uci_context *ctx, const char *dir);
 int uci_add_delta_path(struct uci_context *ctx, const char *dir);
 
@@ -163,11 +165,12 @@ int uci_add_delta_path(struct uci_context *ctx, const char *dir);
 void uci_get_errorstr(struct uci_context *ctx, char **dest, const char *prefix);
 void uci_perror(struct uci_context *ctx, const char *prefix);
 
-/* Packages. A name with a leading "/" or "./" is a path outside confdir; such a package has no pending
- * changes. *package is left alone on failure. */
+/* Packages. A name with a leading "/" or "./" is a path outside confdir; such a package has no
+ * pending changes. *package is left alone on failure. */
 int uci_load(struct uci_context *ctx, const char *name, struct uci_package **package);
 int uci_unload(struct uci_context *ctx, struct uci_package *p);
-/* Reads packages from a stream. *package not NULL: the text is merged into that package and logged. */
+/* Reads packages from a stream. *package not NULL: the text is merged into that package and logged.
+ */
 int uci_import(struct uci_context *ctx, FILE *stream, const char *name,
                struct uci_package **package, bool single);
 /* Writes one package, or with package NULL all loaded ones, and flushes the stream. */
@@ -231,8 +234,7 @@ bool uci_validate_text(const char *str);
 /* As above; the loop may remove _ptr. */
 #define uci_foreach_element_safe(_list, _tmp, _ptr)                                                \
     for ((_ptr) = list_to_element((_list)->next), (_tmp) = list_to_element((_ptr)->list.next);     \
-         &(_ptr)->list != (_list);                                                                 \
-         (_ptr) = (_tmp), (_tmp) = list_to_element((_ptr)->list.next))
+         &(_ptr)->list != (_list); (_ptr) = (_tmp), (_tmp) = list_to_element((_ptr)->list.next))
 
 static inline bool uci_list_empty(const struct uci_list *list)
 {
