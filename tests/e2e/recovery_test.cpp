@@ -92,13 +92,17 @@ TEST_F(RecoveryTest, AFullDiskLosesNothingOnceSpaceIsBack)
     daemon_.list_components({"ietf_devname"});
     device_.set({{"Device_name", "before"}});
     daemon_.start();
-    // No file of the daemon may grow from now on.
-    const rlimit none{0, RLIM_INFINITY};
-    ASSERT_EQ(::prlimit(daemon_.process().pid(), RLIMIT_FSIZE, &none, nullptr), 0);
+    // The job's batch file is as large as a file may be; others still have room.
+    constexpr rlim_t limit = 16384;
+    const std::string batch = "/tmp/cache/qorcfg/ucicfg.d/uci_update1.systemconfig.system";
+    const std::string filler(limit, '#');
+    device_.write(batch, filler);
+    fs::remove(device_.path("/tmp/qorcfg_debug"));
+    const rlimit full{limit, RLIM_INFINITY};
+    ASSERT_EQ(::prlimit(daemon_.process().pid(), RLIMIT_FSIZE, &full, nullptr), 0);
     device_.set({{"Device_name", "after"}});
-    announce_and_commit({"Device_name"});
-    ASSERT_TRUE(wait_until([&] { return daemon_.hook_calls().back() == "commit 1"; }));
-    EXPECT_TRUE(device_.lines(1, "systemconfig", "system").empty());
+    commit_and_wait({"Device_name"});
+    EXPECT_EQ(device_.read(batch), filler);
     EXPECT_NE(device_.document("systemconfig", "system").find("before"), std::string::npos);
     ASSERT_TRUE(daemon_.process().running());
 
