@@ -17,8 +17,8 @@ Fd open_file(const std::string &path, int flags, mode_t mode = 0);
 /// missing file, EFBIG for one above the bound, EISDIR for a folder.
 std::optional<std::string> read_file(const std::string &path, std::size_t bound);
 
-/// Reads what is left of an open file, at most `bound` bytes. Nothing and errno on failure, EFBIG for
-/// more than the bound.
+/// Reads what is left of an open file, at most `bound` bytes. Nothing and errno on failure, EFBIG
+/// for more than the bound.
 std::optional<std::string> read_descriptor(int fd, std::size_t bound);
 
 /// Writes all of `text`, going on after short and interrupted writes. False and errno on failure;
