@@ -15,7 +15,7 @@ Section &Section::add(std::span<const Option> options)
 
 Section &Section::add(const char *option, std::string_view value)
 {
-    if (!json_add_string(options_, option, value)) {
+    if (options_ != nullptr && !json_add_string(options_, option, value)) {
         document_.mark_incomplete();
     }
     return *this;
@@ -24,7 +24,7 @@ Section &Section::add(const char *option, std::string_view value)
 Section &Section::add_even_empty(const char *option, std::string_view value)
 {
     Json text = Json::string(value);
-    if (!text || !json_set(options_, option, std::move(text))) {
+    if (options_ != nullptr && (!text || !json_set(options_, option, std::move(text)))) {
         document_.mark_incomplete();
     }
     return *this;
@@ -32,7 +32,7 @@ Section &Section::add_even_empty(const char *option, std::string_view value)
 
 Section &Section::add_int(const char *option, int number)
 {
-    if (!json_add_int(options_, option, number)) {
+    if (options_ != nullptr && !json_add_int(options_, option, number)) {
         document_.mark_incomplete();
     }
     return *this;
@@ -47,7 +47,7 @@ Section &Section::add_list(const char *option, std::span<const std::string> item
             document_.mark_incomplete();
         }
     }
-    if (!json_set(options_, option, std::move(list))) {
+    if (options_ != nullptr && !json_set(options_, option, std::move(list))) {
         document_.mark_incomplete();
     }
     return *this;
@@ -78,19 +78,29 @@ json_object *Document::container(const char *type, int kind)
     return container;
 }
 
-Section Document::section(const char *type, const std::string &name)
+json_object *Document::named_options(const char *type, const std::string &name)
 {
     json_object *sections = container(type, named_sections);
-    json_object *options = json_get_member(sections, name.c_str());
+    if (json_object *options = json_get_member(sections, name.c_str())) {
+        return options;
+    }
+    Json made = Json::object();
+    json_object *options = made.get();
+    return made && json_set(sections, name.c_str(), std::move(made)) ? options : nullptr;
+}
+
+Section Document::section(const char *type, const std::string &name)
+{
+    json_object *options = named_options(type, name);
     if (options == nullptr) {
-        Json made = Json::object();
-        options = made.get();
-        if (!made || !json_set(sections, name.c_str(), std::move(made))) {
-            mark_incomplete();
-            options = nullptr;
-        }
+        mark_incomplete();
     }
     return {*this, options};
+}
+
+Section Document::optional_section(const char *type, const std::string &name)
+{
+    return {*this, named_options(type, name)};
 }
 
 Section Document::append(const char *type, int kind)

@@ -28,7 +28,8 @@ template <std::size_t Limit> std::string cut(std::string value)
 class Document;
 
 /// Handle to the options of one section of a document; valid as long as the document. Options keep
-/// the order in which they were first added; adding one again replaces its value in place.
+/// the order in which they were first added; adding one again replaces its value in place. What is
+/// added to a section that could not be made is dropped.
 class Section {
 public:
     /// Adds each row of the table from the store, in order; empty values are left out.
@@ -63,6 +64,9 @@ public:
     /// Section `name` of the named sections of `type`, made on first use. A store value or a device
     /// file may give the name.
     Section section(const char *type, const std::string &name);
+    /// The same for a section that a component can do without: when memory for it cannot be had,
+    /// the document goes out without it, and what is added to it is dropped.
+    Section optional_section(const char *type, const std::string &name);
     /// A new section at the end of the numbered or anonymous sections of `type`.
     Section append(const char *type, int kind);
     /// The container of a type, made on first use; null when memory ran out.
@@ -75,6 +79,7 @@ public:
 
 private:
     explicit Document(Json root);
+    json_object *named_options(const char *type, const std::string &name);
 
     Json root_;
     bool complete_ = true;
