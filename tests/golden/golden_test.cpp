@@ -151,6 +151,8 @@ TEST_P(GoldenTest, Holds)
     }
     is_base = read_is_base();
     set_from(folder / "settings", Marking::leave);
+    // A component may write as soon as it is enabled, which the daemon does as part of the start.
+    qorcfg_change_is_trigger = 1;
     const std::string own_component = folder.parent_path().filename();
     const std::string listed = content_of(folder / "components");
     for (const std::string &name : split_lines(listed.empty() ? own_component : listed)) {
