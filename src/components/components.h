@@ -7,5 +7,18 @@ namespace qorcfg {
 extern const Operations ietf_ddns;
 extern const Operations ietf_debug;
 extern const Operations ietf_devname;
+extern const Operations ietf_email;
+extern const Operations ietf_lighttpd;
+extern const Operations ietf_ntp;
+extern const Operations ietf_openvpn;
+extern const Operations ietf_opmode;
+extern const Operations ietf_outdoor_led;
+extern const Operations ietf_parental;
+extern const Operations ietf_password;
+extern const Operations ietf_rae;
+extern const Operations ietf_schedule;
+extern const Operations ietf_syslog;
+extern const Operations ietf_traffic_meter;
+extern const Operations ietf_upnpd;
 
 } // namespace qorcfg

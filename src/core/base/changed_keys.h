@@ -51,4 +51,16 @@ template <typename... Keys> int changed_keys_contain(const ChangedKeys *list, Ke
     return changed_keys_contain_any(list, names);
 }
 
+/// Whether any of `keys` (a range of key names) is in the list. Each is asked for on its own, since
+/// one question answers for its first key alone.
+template <typename Keys> bool any_key_changed(const ChangedKeys *list, const Keys &keys)
+{
+    for (const char *key : keys) {
+        if (changed_keys_contain(list, key) != 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
 } // namespace qorcfg

@@ -36,6 +36,18 @@ template <typename Keys> void subscribe_all(const Keys &keys, UpdateCallback cal
     }
 }
 
+/// `subscribe_all` that names each key first, on behalf of the component `component`:
+/// "%s subscribe for config %s".
+template <typename Keys>
+void subscribe_all_by_name(const char *component, const Keys &keys, UpdateCallback callback,
+                           SourcePlace place = SourcePlace::here())
+{
+    for (const char *key : keys) {
+        qorcfg_log(place, "%s subscribe for config %s", component, key);
+        subscribe_config(subscription_priority, callback, key);
+    }
+}
+
 /// Subscribes a SOAP callback to each of `keys`, in order.
 template <typename Keys> void subscribe_all_soap(const Keys &keys, SoapCallback callback)
 {

@@ -1,0 +1,88 @@
+#include "components/components.h"
+#include "support/device_root.h"
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <json-c/json.h>
+#include <string>
+#include <vector>
+
+namespace {
+
+/// Which of the next JSON objects cannot be had, counted from 1; 0 and below: none.
+int refused_object = 0;
+
+} // namespace
+
+// Stands before the library's own, so that a test can let memory run out at a chosen object.
+extern "C" json_object *json_object_new_object(void)
+{
+    using Maker = json_object *(*)();
+    static const auto maker = reinterpret_cast<Maker>(::dlsym(RTLD_NEXT, "json_object_new_object"));
+    return --refused_object == 0 ? nullptr : maker();
+}
+
+namespace qorcfg {
+namespace {
+
+using test::DeviceRoot;
+using Lines = std::vector<std::string>;
+
+/// A document's objects are made in this order.
+constexpr int whole_document = 1;
+constexpr int container = 2;
+constexpr int first_section = 3;
+constexpr int second_section = 4;
+
+class DocumentMemoryTest : public testing::Test {
+protected:
+    ~DocumentMemoryTest() override { refused_object = 0; }
+    /// The result of the component's update while the given object cannot be had.
+    int update_without(int object, const Operations &component)
+    {
+        device_.enable(component);
+        const UpdateCallback update = registry().records().at(0).normal.at(0);
+        refused_object = object;
+        return update(1);
+    }
+    Lines files() { return device_.names_in("/tmp/cache/qorcfg/ucicfg.d"); }
+
+    DeviceRoot device_;
+};
+
+TEST_F(DocumentMemoryTest, ASectionThatCannotBeMadeIsLeftOutWhereTheServiceCanDoWithoutIt)
+{
+    device_.set({{"email_addr", "you@example.com"}, {"email_notify", "1"}});
+    EXPECT_EQ(update_without(second_section, ietf_email), 0);
+    EXPECT_EQ(device_.document("email", "email"),
+              R"({"email":{"status":{"enable":"1"},"visit_blocked_site":{},)"
+              R"("log":{"notify":1,"day":"sun","time":"00:00"}}})");
+    EXPECT_EQ(update_without(first_section, ietf_upnpd), 0);
+    EXPECT_EQ(device_.document("upnpd", "config"), R"({"upnpd":{}})");
+    EXPECT_EQ(update_without(second_section + 1, ietf_ntp), 0);
+    EXPECT_EQ(device_.document("system", "ntp"), R"({"system":{"ntp":{},"systemtimezone":{}}})");
+}
+
+TEST_F(DocumentMemoryTest, WithoutItsContainerNoDocumentIsHandedOver)
+{
+    for (const int object : {whole_document, container}) {
+        for (const Operations *component : {&ietf_email, &ietf_ntp, &ietf_upnpd}) {
+            EXPECT_EQ(update_without(object, *component), -1);
+        }
+    }
+    EXPECT_EQ(files(), Lines{});
+}
+
+TEST_F(DocumentMemoryTest, AnyOtherDocumentIsHandedOverWholeOrNotAtAll)
+{
+    device_.set({{"log_vantage", "1"}, {"schedule_days_to_block", "1"}});
+    for (const int object : {whole_document, container, first_section}) {
+        EXPECT_EQ(update_without(object, ietf_syslog), -1);
+        EXPECT_EQ(update_without(object, ietf_schedule), -1);
+    }
+    EXPECT_EQ(files(), Lines{});
+    EXPECT_EQ(update_without(0, ietf_syslog), 0);
+}
+
+} // namespace
+} // namespace qorcfg
