@@ -4,10 +4,12 @@
 
 namespace qorcfg {
 
+extern const Operations ietf_attached_devices;
 extern const Operations ietf_ddns;
 extern const Operations ietf_debug;
 extern const Operations ietf_devname;
 extern const Operations ietf_email;
+extern const Operations ietf_firewall;
 extern const Operations ietf_lighttpd;
 extern const Operations ietf_ntp;
 extern const Operations ietf_openvpn;
@@ -15,6 +17,8 @@ extern const Operations ietf_opmode;
 extern const Operations ietf_outdoor_led;
 extern const Operations ietf_parental;
 extern const Operations ietf_password;
+extern const Operations ietf_qoracl;
+extern const Operations ietf_qoracl_guest_sche;
 extern const Operations ietf_rae;
 extern const Operations ietf_schedule;
 extern const Operations ietf_syslog;

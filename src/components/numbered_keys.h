@@ -3,11 +3,13 @@
 #include "platform/config_value.h"
 
 #include <string>
+#include <type_traits>
 
 namespace qorcfg {
 
 /// Walks a list that the store keeps under numbered keys: calls `visit(number, value)` for `stem` +
-/// `first`, `stem` + `first`+1 and so on, up to the first key whose value is empty.
+/// `first`, `stem` + `first`+1 and so on, up to the first key whose value is empty. A visit that
+/// returns a bool ends the walk with false.
 template <typename Visit>
 void for_each_numbered_key(const std::string &stem, int first, Visit visit)
 {
@@ -16,7 +18,13 @@ void for_each_numbered_key(const std::string &stem, int first, Visit visit)
         if (value.empty()) {
             return;
         }
-        visit(number, value);
+        if constexpr (std::is_same_v<decltype(visit(number, value)), bool>) {
+            if (!visit(number, value)) {
+                return;
+            }
+        } else {
+            visit(number, value);
+        }
     }
 }
 
