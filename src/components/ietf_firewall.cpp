@@ -239,7 +239,9 @@ int update_session_policy(int job)
     constexpr const char *type = "mulpppoe_policy";
     QORCFG_LOG("update multi pppoe policy setting");
     Document doc;
-    doc.container(type, named_sections);
+    if (doc.container(type, named_sections) == nullptr) {
+        return hand_over(doc, type, job);
+    }
     for_each_numbered_key("mulpppoe_setting", 1, [&](int number, const std::string &setting) {
         const auto fields = first_fields<7>(split_at_single_blanks(cut<127>(setting)));
         if (!fields) {

@@ -52,5 +52,15 @@ TEST(ChangedKeysTest, AMovedListTakesItsIdsAlong)
     EXPECT_EQ(changed_keys_contain(&moved, "b", nullptr), 1);
 }
 
+TEST(ChangedKeysTest, AnyOfSeveralKeysIsFoundWhereverItStands)
+{
+    const std::array names{"first", "second", "third"};
+    const ChangedKeys third = list_of({"other", "third"});
+    const ChangedKeys none = list_of({"other"});
+    EXPECT_TRUE(any_key_changed(&third, names));
+    EXPECT_FALSE(any_key_changed(&none, names));
+    EXPECT_FALSE(any_key_changed(nullptr, names));
+}
+
 } // namespace
 } // namespace qorcfg

@@ -18,6 +18,14 @@ TEST(TextTest, RunsOfBlanksAndTabsSeparateOnce)
     EXPECT_EQ(split_at_blanks("a\nb"), Fields{"a\nb"});
 }
 
+TEST(TextTest, TheFirstFieldsAreThereOnlyWhenAllOfThemAre)
+{
+    using Pair = std::array<std::string, 2>;
+    EXPECT_EQ(first_fields<2>({"a", "b", "surplus"}), (Pair{"a", "b"}));
+    EXPECT_EQ(first_fields<2>({"a", ""}), (Pair{"a", ""}));
+    EXPECT_EQ(first_fields<2>({"a"}), std::nullopt);
+}
+
 TEST(TextTest, EverySingleBlankSeparates)
 {
     EXPECT_EQ(split_at_single_blanks("a  b "), (Fields{"a", "", "b", ""}));
