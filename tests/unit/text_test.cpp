@@ -60,5 +60,17 @@ TEST(NumberedKeysTest, TheWalkEndsAtTheFirstEmptyValue)
     EXPECT_EQ(seen, Fields{});
 }
 
+TEST(NumberedKeysTest, AVisitThatReturnsFalseEndsTheWalk)
+{
+    const test::DeviceRoot device;
+    device.set({{"rule1", "a"}, {"rule2", "b"}, {"rule3", "c"}});
+    Fields seen;
+    for_each_numbered_key("rule", 1, [&](int, const std::string &value) {
+        seen.push_back(value);
+        return value != "b";
+    });
+    EXPECT_EQ(seen, (Fields{"a", "b"}));
+}
+
 } // namespace
 } // namespace qorcfg
