@@ -24,7 +24,7 @@ const std::array<ComponentRow, 30> components{{
     {"ietf_qoracl_guest_sche", &ietf_qoracl_guest_sche},
     {"ietf_ntp", &ietf_ntp},
     {"ietf_email", &ietf_email},
-    {"ietf_network_ipv6", nullptr},
+    {"ietf_network_ipv6", &ietf_network_ipv6},
     {"ietf_password", &ietf_password},
     {"ietf_openvpn", &ietf_openvpn},
     {"ietf_traffic_meter", &ietf_traffic_meter},
