@@ -8,6 +8,7 @@ extern const Operations ietf_attached_devices;
 extern const Operations ietf_ddns;
 extern const Operations ietf_debug;
 extern const Operations ietf_devname;
+extern const Operations ietf_dhcp;
 extern const Operations ietf_email;
 extern const Operations ietf_firewall;
 extern const Operations ietf_lighttpd;

@@ -31,7 +31,7 @@ const std::array<ComponentRow, 30> components{{
     {"ietf_attached_devices", &ietf_attached_devices},
     {"ietf_ddns", &ietf_ddns},
     {"ietf_devname", &ietf_devname},
-    {"ietf_dhcp", nullptr},
+    {"ietf_dhcp", &ietf_dhcp},
     {"ietf_firewall", &ietf_firewall},
     {"ietf_lan", nullptr},
     {"ietf_opmode", &ietf_opmode},
