@@ -23,6 +23,7 @@ extern const Operations ietf_qoracl;
 extern const Operations ietf_qoracl_guest_sche;
 extern const Operations ietf_rae;
 extern const Operations ietf_schedule;
+extern const Operations ietf_static_route;
 extern const Operations ietf_syslog;
 extern const Operations ietf_traffic_meter;
 extern const Operations ietf_upnpd;

@@ -36,7 +36,7 @@ const std::array<ComponentRow, 30> components{{
     {"ietf_lan", nullptr},
     {"ietf_opmode", &ietf_opmode},
     {"ietf_schedule", &ietf_schedule},
-    {"ietf_static_route", nullptr},
+    {"ietf_static_route", &ietf_static_route},
     {"ietf_wan", nullptr},
     {"ietf_rip", nullptr},
     {"ietf_syslog", &ietf_syslog},
