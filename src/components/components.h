@@ -22,6 +22,7 @@ extern const Operations ietf_password;
 extern const Operations ietf_qoracl;
 extern const Operations ietf_qoracl_guest_sche;
 extern const Operations ietf_rae;
+extern const Operations ietf_rip;
 extern const Operations ietf_schedule;
 extern const Operations ietf_static_route;
 extern const Operations ietf_syslog;

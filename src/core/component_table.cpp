@@ -38,7 +38,7 @@ const std::array<ComponentRow, 30> components{{
     {"ietf_schedule", &ietf_schedule},
     {"ietf_static_route", &ietf_static_route},
     {"ietf_wan", nullptr},
-    {"ietf_rip", nullptr},
+    {"ietf_rip", &ietf_rip},
     {"ietf_syslog", &ietf_syslog},
     {"ietf_upnpd", &ietf_upnpd},
     {"ietf_parental", &ietf_parental},
