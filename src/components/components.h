@@ -11,6 +11,7 @@ extern const Operations ietf_devname;
 extern const Operations ietf_dhcp;
 extern const Operations ietf_email;
 extern const Operations ietf_firewall;
+extern const Operations ietf_igmpproxy;
 extern const Operations ietf_lighttpd;
 extern const Operations ietf_network_ipv6;
 extern const Operations ietf_ntp;

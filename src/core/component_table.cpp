@@ -19,7 +19,7 @@ constexpr std::size_t name_limit = 126;
 } // namespace
 
 const std::array<ComponentRow, 30> components{{
-    {"ietf_igmpproxy", nullptr},
+    {"ietf_igmpproxy", &ietf_igmpproxy},
     {"ietf_qoracl", &ietf_qoracl},
     {"ietf_qoracl_guest_sche", &ietf_qoracl_guest_sche},
     {"ietf_ntp", &ietf_ntp},
