@@ -4,11 +4,28 @@
 
 namespace qorcfg {
 
+namespace {
+
+std::string option_value(const Option &row)
+{
+    std::string value = config_value(row.key);
+    return row.transform == nullptr ? value : row.transform(std::move(value));
+}
+
+} // namespace
+
 Section &Section::add(std::span<const Option> options)
 {
     for (const Option &row : options) {
-        std::string value = config_value(row.key);
-        add(row.option, row.transform == nullptr ? value : row.transform(std::move(value)));
+        add(row.option, option_value(row));
+    }
+    return *this;
+}
+
+Section &Section::add_even_empty(std::span<const Option> options)
+{
+    for (const Option &row : options) {
+        add_even_empty(row.option, option_value(row));
     }
     return *this;
 }

@@ -38,6 +38,8 @@ public:
     Section &add(const char *option, std::string_view value);
     /// Adds one option even when its value is empty, for services that must see it cleared.
     Section &add_even_empty(const char *option, std::string_view value);
+    /// Adds each row of the table from the store, in order, empty values too.
+    Section &add_even_empty(std::span<const Option> options);
     /// Adds an option whose JSON type is an integer.
     Section &add_int(const char *option, int number);
     /// Adds a list with one text per item, empty lists and items included.
