@@ -29,5 +29,6 @@ extern const Operations ietf_static_route;
 extern const Operations ietf_syslog;
 extern const Operations ietf_traffic_meter;
 extern const Operations ietf_upnpd;
+extern const Operations ietf_vlan;
 
 } // namespace qorcfg

@@ -43,7 +43,7 @@ const std::array<ComponentRow, 30> components{{
     {"ietf_upnpd", &ietf_upnpd},
     {"ietf_parental", &ietf_parental},
     {"ietf_wireless", nullptr},
-    {"ietf_vlan", nullptr},
+    {"ietf_vlan", &ietf_vlan},
     {"ietf_outdoor_led", &ietf_outdoor_led},
     {"ietf_debug", &ietf_debug},
     {"nvram_wireless", nullptr},
