@@ -30,5 +30,6 @@ extern const Operations ietf_syslog;
 extern const Operations ietf_traffic_meter;
 extern const Operations ietf_upnpd;
 extern const Operations ietf_vlan;
+extern const Operations ietf_wan;
 
 } // namespace qorcfg

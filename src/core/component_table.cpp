@@ -37,7 +37,7 @@ const std::array<ComponentRow, 30> components{{
     {"ietf_opmode", &ietf_opmode},
     {"ietf_schedule", &ietf_schedule},
     {"ietf_static_route", &ietf_static_route},
-    {"ietf_wan", nullptr},
+    {"ietf_wan", &ietf_wan},
     {"ietf_rip", &ietf_rip},
     {"ietf_syslog", &ietf_syslog},
     {"ietf_upnpd", &ietf_upnpd},
