@@ -12,6 +12,7 @@ extern const Operations ietf_dhcp;
 extern const Operations ietf_email;
 extern const Operations ietf_firewall;
 extern const Operations ietf_igmpproxy;
+extern const Operations ietf_lan;
 extern const Operations ietf_lighttpd;
 extern const Operations ietf_network_ipv6;
 extern const Operations ietf_ntp;

@@ -33,7 +33,7 @@ const std::array<ComponentRow, 30> components{{
     {"ietf_devname", &ietf_devname},
     {"ietf_dhcp", &ietf_dhcp},
     {"ietf_firewall", &ietf_firewall},
-    {"ietf_lan", nullptr},
+    {"ietf_lan", &ietf_lan},
     {"ietf_opmode", &ietf_opmode},
     {"ietf_schedule", &ietf_schedule},
     {"ietf_static_route", &ietf_static_route},
