@@ -2,8 +2,6 @@
 
 #include "support/network_device.h"
 
-#include <algorithm>
-
 namespace qorcfg {
 namespace {
 

@@ -2,6 +2,8 @@
 
 #include "support/network_device.h"
 
+#include <algorithm>
+
 namespace qorcfg {
 namespace {
 
