@@ -16,10 +16,11 @@ inline std::string bounded_path(std::string path)
     return path;
 }
 
-/// Whether a package, section or document name can be part of a file name.
+/// Whether a package, section or document name can be part of a file name. An empty one can: a
+/// device whose information files are missing has empty names.
 inline bool is_file_name(std::string_view name)
 {
-    return !name.empty() && name.find('/') == std::string_view::npos;
+    return name.find('/') == std::string_view::npos;
 }
 
 } // namespace qorcfg

@@ -328,6 +328,13 @@ TEST_F(UciCommitTest, NamesWithASlashAreRefusedWithALogLine)
                                     "refused a document named 'net' 'a/b'"}));
 }
 
+TEST_F(UciCommitTest, AnEmptySectionNameIsAFileNameLikeAnyOther)
+{
+    commit_uci_section(Document::parse(static_lan), "net", "", 0, 1);
+    EXPECT_EQ(device_.names_in("/tmp/cache/qorcfg/ucicfg.d"),
+              (Lines{"uci-net-.json", "uci_update1.net."}));
+}
+
 TEST_F(UciCommitTest, LongFileNamesAreCutAt127BytesOfThePath)
 {
     const std::string section(120, 's');
