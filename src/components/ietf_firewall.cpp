@@ -1,4 +1,5 @@
 #include "components/components.h"
+#include "components/device_files.h"
 #include "components/numbered_keys.h"
 #include "components/text.h"
 
@@ -14,7 +15,6 @@ namespace qorcfg {
 namespace {
 
 constexpr const char *package = "firewall";
-constexpr const char *board_data = "/tmp/cache/systeminfo/boarddata.info";
 constexpr const char *worldwide = "WW";
 
 /// Where the board was made to be sold; filled by init, before any worker exists.
@@ -267,7 +267,7 @@ int update_session_policy(int job)
 void init()
 {
     log_init("firewall");
-    board_region = cut<63>(read_info_value(board_data, "board_region"));
+    board_region = cut<63>(read_info_value(board_info, "board_region"));
     if (board_region == worldwide) {
         subscribe_all(region_keys, update_basic);
     }

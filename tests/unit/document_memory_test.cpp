@@ -1,4 +1,5 @@
 #include "components/components.h"
+#include "platform/key_id.h"
 #include "support/device_root.h"
 
 #include <dlfcn.h>
@@ -41,7 +42,16 @@ protected:
     int update_without(int object, const Operations &component)
     {
         device_.enable(component);
-        const UpdateCallback update = registry().records().at(0).normal.at(0);
+        return call_without(object, registry().records().at(0).normal.at(0));
+    }
+    /// The same for the update of one key.
+    int update_without(int object, const Operations &component, const char *key)
+    {
+        device_.enable(component);
+        return call_without(object, registry().find(config_key_id(key))->normal.at(0));
+    }
+    static int call_without(int object, UpdateCallback update)
+    {
         refused_object = object;
         return update(1);
     }
@@ -82,6 +92,28 @@ TEST_F(DocumentMemoryTest, AnyOtherDocumentIsHandedOverWholeOrNotAtAll)
     }
     EXPECT_EQ(files(), Lines{});
     EXPECT_EQ(update_without(0, ietf_syslog), 0);
+}
+
+TEST_F(DocumentMemoryTest, TheFirewallGoesOutWithoutTheSectionOrContainerThatCannotBeMade)
+{
+    const std::string basic = R"({"firewall":{"basic_configuration":{"sipalg":"1",)"
+                              R"("filtering":"secured"}})";
+    device_.set({{"dmz_ipaddr", "192.168.1.9"}, {"mulpppoe_setting1", "0 example.org a b c d e"}});
+    EXPECT_EQ(update_without(second_section, ietf_firewall), 1);
+    EXPECT_EQ(device_.document("firewall", "basic"), basic + "}");
+    EXPECT_EQ(update_without(second_section + 1, ietf_firewall), 1);
+    EXPECT_EQ(device_.document("firewall", "basic"), basic + R"(,"host":{}})");
+    EXPECT_EQ(update_without(container, ietf_firewall, "mulpppoe_setting"), 1);
+    EXPECT_EQ(device_.document("firewall", "mulpppoe_policy"), "{}");
+}
+
+TEST_F(DocumentMemoryTest, WithoutADocumentTheFirewallWritesNothing)
+{
+    for (const char *key : {"remote_port", "forwarding", "triggering", "block_services",
+                            "block_skeyword", "mulpppoe_setting"}) {
+        EXPECT_EQ(update_without(whole_document, ietf_firewall, key), -1) << key;
+    }
+    EXPECT_EQ(files(), Lines{});
 }
 
 } // namespace
