@@ -282,6 +282,7 @@ TEST_F(UciCommitTest, ManyContextsLoseNoChangeOfEachOther)
     constexpr int rounds = 25;
     std::array<std::string, workers> failures;
     std::vector<std::thread> threads;
+    threads.reserve(workers);
     for (int worker = 0; worker < workers; ++worker) {
         threads.emplace_back([&, worker] {
             for (int round = 0; round < rounds; ++round) {

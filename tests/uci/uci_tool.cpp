@@ -231,7 +231,7 @@ int UciTool::section_command(const std::string &verb, const std::string &text)
 
 int UciTool::apply(const std::string &verb, uci_ptr &ptr)
 {
-    if (verb == "reorder") {
+    if (verb == "reorder" && ptr.value != nullptr) {
         return uci_reorder_section(ctx_.get(), ptr.s, std::atoi(ptr.value));
     }
     const std::map<std::string, int (*)(uci_context *, uci_ptr *)> changes{

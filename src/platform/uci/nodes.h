@@ -57,8 +57,10 @@ public:
     void remove(Node &node) { take(node).reset(); }
     void clear()
     {
-        while (head_.next != &head_) {
-            remove(Node::of(*list_to_element(head_.next)));
+        for (uci_list *link = head_.next; link != &head_;) {
+            Node &node = Node::of(*list_to_element(link));
+            link = link->next;
+            remove(node);
         }
     }
 
