@@ -1,10 +1,10 @@
 #include "core/job_board.h"
 
 #include "core/base/globals.h"
-#include "core/base/job_number.h"
 #include "core/base/log.h"
 #include "core/base/qorcfg_util.h"
 #include "platform/file.h"
+#include "platform/job_number.h"
 #include "platform/path_root.h"
 
 #include <algorithm>

@@ -1,12 +1,11 @@
 #pragma once
 
+#include "platform/batch_folders.h"
+
 #include <string>
 #include <string_view>
 
 namespace qorcfg {
-
-inline constexpr const char *uci_folder = "/tmp/cache/qorcfg/ucicfg.d";
-inline constexpr const char *nvram_folder = "/tmp/cache/qorcfg/nvramcfg.d";
 
 /// A path as it fits the fields that hold it on the device: its first 127 bytes.
 inline std::string bounded_path(std::string path)

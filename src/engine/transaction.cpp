@@ -1,9 +1,9 @@
 #include "engine/transaction.h"
 
-#include "core/base/job_number.h"
 #include "core/base/log.h"
 #include "engine/batch_time.h"
 #include "platform/file.h"
+#include "platform/job_number.h"
 #include "platform/path_root.h"
 
 #include <array>

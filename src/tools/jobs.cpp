@@ -1,9 +1,9 @@
 #include "tools/jobs.h"
 
-#include "core/base/job_number.h"
 #include "core/job_board.h"
 #include "engine/new_json_util.h"
 #include "platform/file.h"
+#include "platform/job_number.h"
 #include "platform/path_root.h"
 
 #include <algorithm>

@@ -30,6 +30,7 @@ void add_verbs(CLI::App &app, Session &session)
     add_commit_verb(app, session);
     add_announce_verbs(app, session);
     add_status_verb(app, session);
+    add_apply_verb(app, session);
     add_component_verbs(app, session);
 }
 

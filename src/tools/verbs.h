@@ -19,6 +19,8 @@ void add_commit_verb(CLI::App &app, Session &session);
 void add_announce_verbs(CLI::App &app, Session &session);
 /// status
 void add_status_verb(CLI::App &app, Session &session);
+/// apply
+void add_apply_verb(CLI::App &app, Session &session);
 /// components, subscribers
 void add_component_verbs(CLI::App &app, Session &session);
 

@@ -1,4 +1,4 @@
-#include "core/base/job_number.h"
+#include "platform/job_number.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,69 @@
+#include "apply/apply.h"
+#include "platform/job_number.h"
+#include "tools/arguments.h"
+#include "tools/verbs.h"
+
+#include <CLI/CLI.hpp>
+#include <charconv>
+#include <memory>
+#include <optional>
+
+namespace qorcfg {
+
+namespace {
+
+struct ApplyOptions {
+    std::string job;
+    bool startup = false;
+    bool dry_run = false;
+};
+
+std::optional<int> job_number(const std::string &text)
+{
+    int job = 0;
+    const char *const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, job);
+    const bool good = error == std::errc() && stop == end && job >= 1 && job <= last_job_number;
+    return good ? std::optional(job) : std::nullopt;
+}
+
+int apply(Session &session, const ApplyOptions &options)
+{
+    BatchSelection selection;
+    if (options.startup) {
+        if (!options.job.empty()) {
+            return session.misuse("a job number and --startup exclude each other");
+        }
+        selection.kind = BatchSelection::Kind::startup;
+    } else if (!options.job.empty()) {
+        const auto job = job_number(options.job);
+        if (!job) {
+            return session.misuse("no job number from 1 to " + std::to_string(last_job_number) +
+                                  ": " + shown_name(options.job));
+        }
+        selection = {BatchSelection::Kind::job, *job};
+    }
+    const bool done = options.dry_run ? preview_batches(selection, session.out, session.err)
+                                      : apply_batches(selection, session.err);
+    return done ? exit_done : exit_failed;
+}
+
+} // namespace
+
+void add_apply_verb(CLI::App &app, Session &session)
+{
+    const auto options = std::make_shared<ApplyOptions>();
+    CLI::App *verb = add_verb(app, "apply",
+                              "Apply batch files: those of a job and of older ones, of the "
+                              "start-up, or all that lie there",
+                              "  qorctl apply 12\n"
+                              "  qorctl apply --startup\n"
+                              "  qorctl apply --dry-run        (print what would change)");
+    add_optional_argument(*verb, "JOB", options->job, "Number of a job");
+    verb->add_flag("--startup", options->startup,
+                   "Apply what earlier runs of the daemon left, then the start-up files");
+    verb->add_flag("--dry-run", options->dry_run, "Print what would change, and change nothing");
+    choose(*verb, session, [=](Session &each) { return apply(each, *options); });
+}
+
+} // namespace qorcfg
