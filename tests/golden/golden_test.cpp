@@ -1,3 +1,4 @@
+#include "apply/apply.h"
 #include "core/base/globals.h"
 #include "core/component_table.h"
 #include "core/worker.h"
@@ -6,43 +7,26 @@
 #include "platform/reference/notifier.h"
 #include "platform/reference/store.h"
 #include "support/device_root.h"
+#include "support/golden_case.h"
+#include "support/hook_scripts.h"
 
-#include <algorithm>
-#include <cctype>
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <map>
+#include <sstream>
 
 // Each folder tests/golden/<component>/<case> is one test: device files and settings in, batch
-// files and documents out, of the start-up pass and of one changed setting. README.md there tells
-// the files.
+// files and documents out, of the start-up pass and of one changed setting. What was written is
+// then applied, and the packages compared with the documents. README.md there tells the files.
 namespace qorcfg {
 namespace {
 
 namespace fs = std::filesystem;
 using test::DeviceRoot;
+using test::Files;
+using test::files_in;
+using test::GoldenCase;
 using test::split_lines;
-using Files = std::map<std::string, std::string>;
-
-constexpr std::size_t file_bound = std::size_t{1} << 20;
-
-std::string content_of(const fs::path &file)
-{
-    return read_file(file, file_bound).value_or("");
-}
-
-std::vector<std::string> all_cases()
-{
-    std::vector<std::string> cases;
-    for (const auto &entry : fs::recursive_directory_iterator(GOLDEN_FOLDER)) {
-        if (entry.path().filename() == "settings") {
-            cases.push_back(fs::relative(entry.path().parent_path(), GOLDEN_FOLDER));
-        }
-    }
-    std::sort(cases.begin(), cases.end());
-    return cases;
-}
 
 std::string unescaped(std::string_view value)
 {
@@ -61,7 +45,8 @@ std::string unescaped(std::string_view value)
 void set_from(const fs::path &file, Marking marking)
 {
     std::vector<StoreWrite> writes;
-    for (const std::string &line : split_lines(content_of(file))) {
+    const std::string text = read_file(file, std::size_t{1} << 20).value_or("");
+    for (const std::string &line : split_lines(text)) {
         const std::size_t sign = line.find('=');
         if (!line.empty() && line[0] != '#') {
             ASSERT_NE(sign, std::string::npos) << file << ": " << line;
@@ -83,17 +68,6 @@ Files written(const DeviceRoot &device)
     return files;
 }
 
-Files expected(const fs::path &folder)
-{
-    Files files;
-    if (fs::exists(folder)) {
-        for (const auto &entry : fs::directory_iterator(folder)) {
-            files[entry.path().filename()] = content_of(entry.path());
-        }
-    }
-    return files;
-}
-
 /// Compares, or with QORCFG_GOLDEN_WRITE set writes, what a case expects.
 void check(const fs::path &folder, const Files &files)
 {
@@ -105,7 +79,7 @@ void check(const fs::path &folder, const Files &files)
         }
         return;
     }
-    const Files wanted = expected(folder);
+    const Files wanted = files_in(folder);
     for (const auto &[name, content] : wanted) {
         ASSERT_TRUE(files.count(name)) << folder << ": " << name << " was not written";
         EXPECT_EQ(files.at(name), content) << folder << ": " << name;
@@ -113,15 +87,13 @@ void check(const fs::path &folder, const Files &files)
     EXPECT_EQ(files.size(), wanted.size()) << folder << ": more files were written than expected";
 }
 
-void remove_batch_files(const DeviceRoot &device)
+/// Applies what was written, so that nothing of it is left, and compares the packages with the
+/// documents.
+void apply_and_compare(const DeviceRoot &device, const BatchSelection &selection)
 {
-    for (const char *folder : {"/tmp/cache/qorcfg/ucicfg.d", "/tmp/cache/qorcfg/nvramcfg.d"}) {
-        for (const std::string &name : device.names_in(folder)) {
-            if (name.find("_update") != std::string::npos) {
-                fs::remove(device.path(std::string(folder) + "/" + name));
-            }
-        }
-    }
+    std::ostringstream err;
+    EXPECT_TRUE(apply_batches(selection, err)) << err.str();
+    test::expect_applied(device, written(device));
 }
 
 /// Announces every changed key as one job, as the notifier does.
@@ -143,42 +115,32 @@ class GoldenTest : public testing::TestWithParam<std::string> {};
 
 TEST_P(GoldenTest, Holds)
 {
-    const fs::path folder = fs::path(GOLDEN_FOLDER) / GetParam();
+    const GoldenCase golden(GetParam());
     const DeviceRoot device;
-    if (fs::exists(folder / "root")) {
-        fs::copy(folder / "root", device.root(),
-                 fs::copy_options::recursive | fs::copy_options::overwrite_existing);
-    }
+    test::install_hook_scripts(device);
+    golden.lay(device);
     is_base = read_is_base();
-    set_from(folder / "settings", Marking::leave);
+    set_from(golden.settings(), Marking::leave);
     // A component may write as soon as it is enabled, which the daemon does as part of the start.
     qorcfg_change_is_trigger = 1;
-    const std::string own_component = folder.parent_path().filename();
-    const std::string listed = content_of(folder / "components");
-    for (const std::string &name : split_lines(listed.empty() ? own_component : listed)) {
+    for (const std::string &name : golden.components()) {
         ASSERT_NE(find_component(name), nullptr) << name;
         enable_component(name.c_str());
     }
     init_all_systeminfo();
     device.start_up();
-    check(folder / "start", written(device));
-    if (fs::exists(folder / "change")) {
-        remove_batch_files(device);
-        set_from(folder / "change", Marking::mark);
+    check(golden.start(), written(device));
+    apply_and_compare(device, {BatchSelection::Kind::startup, 0});
+    if (golden.has_change()) {
+        set_from(golden.change(), Marking::mark);
         apply_changes();
-        check(folder / "changed", written(device));
+        check(golden.changed(), written(device));
+        apply_and_compare(device, {BatchSelection::Kind::job, 1});
     }
 }
 
-std::string test_name(const testing::TestParamInfo<std::string> &info)
-{
-    std::string name = info.param;
-    std::replace_if(
-        name.begin(), name.end(), [](unsigned char byte) { return std::isalnum(byte) == 0; }, '_');
-    return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Cases, GoldenTest, testing::ValuesIn(all_cases()), test_name);
+INSTANTIATE_TEST_SUITE_P(Cases, GoldenTest, testing::ValuesIn(GoldenCase::all()),
+                         [](const auto &info) { return GoldenCase::test_name(info.param); });
 
 } // namespace
 } // namespace qorcfg

@@ -60,6 +60,18 @@ std::string options_of(const uci_section *section)
     return text;
 }
 
+/// A section that is there already is written anew.
+void put(std::vector<SectionText> &sections, SectionText section)
+{
+    const auto old = std::find_if(sections.begin(), sections.end(), [&](const SectionText &each) {
+        return !section.name.empty() && each.name == section.name;
+    });
+    if (old != sections.end()) {
+        sections.erase(old);
+    }
+    sections.push_back(std::move(section));
+}
+
 void sort_by_name(std::vector<SectionText> &sections)
 {
     std::stable_sort(sections.begin(), sections.end(),
@@ -112,12 +124,12 @@ std::string wanted_text(const std::vector<json_object *> &documents)
         for_each_member(document, [&](const char *type, json_object *container) {
             std::vector<SectionText> &sections = types[type];
             for_each_member(container, [&](const char *name, json_object *options) {
-                sections.push_back({name, options_of(options)});
+                put(sections, {name, options_of(options)});
             });
             for (std::size_t i = 1; i < json_size(container) && is_json_array(container); ++i) {
                 const bool numbered = section_kind(container) == numbered_sections;
-                sections.push_back({numbered ? std::string(type) + "_" + std::to_string(i - 1) : "",
-                                    options_of(json_element(container, i))});
+                put(sections, {numbered ? std::string(type) + "_" + std::to_string(i - 1) : "",
+                               options_of(json_element(container, i))});
             }
             if (!is_json_array(container)) {
                 sort_by_name(sections);
@@ -125,6 +137,26 @@ std::string wanted_text(const std::vector<json_object *> &documents)
         });
     }
     return text_of(types);
+}
+
+std::string with_sorted_options(const std::string &text)
+{
+    std::vector<std::string> lines = split_lines(text);
+    const auto is_option = [](const std::string &line) { return line.rfind("    ", 0) == 0; };
+    const auto name_of = [](const std::string &line) { return line.substr(0, line.find('[')); };
+    for (auto begin = lines.begin(); begin != lines.end();) {
+        begin = std::find_if(begin, lines.end(), is_option);
+        const auto end = std::find_if_not(begin, lines.end(), is_option);
+        std::stable_sort(begin, end, [&](const std::string &a, const std::string &b) {
+            return name_of(a) < name_of(b);
+        });
+        begin = end;
+    }
+    std::string sorted;
+    for (const std::string &line : lines) {
+        sorted += line + "\n";
+    }
+    return sorted;
 }
 
 std::vector<std::string> list_items(const DeviceRoot &device, const std::string &package,

@@ -15,8 +15,13 @@ std::string applied_text(const DeviceRoot &device, const std::string &package,
                          const std::vector<json_object *> &documents);
 
 /// The same text for a package that holds exactly what `documents` say, as far as UCI can: empty
-/// values are no options, and line breaks are blanks.
+/// values are no options, and line breaks are blanks. Of a section that several documents hold the
+/// last one's stands.
 std::string wanted_text(const std::vector<json_object *> &documents);
+
+/// Such a text with the options of each section sorted by name: a single option that is set anew
+/// goes to the end of its section.
+std::string with_sorted_options(const std::string &text);
 
 /// The items of a list option; empty when there is none.
 std::vector<std::string> list_items(const DeviceRoot &device, const std::string &package,
