@@ -1,5 +1,6 @@
 #include "support/daemon.h"
 
+#include "support/hook_scripts.h"
 #include "support/wait.h"
 
 #include <csignal>
@@ -20,6 +21,19 @@ Daemon::Daemon()
 }
 
 Daemon::~Daemon() = default;
+
+void Daemon::install_hooks()
+{
+    install_hook_scripts(device_);
+    for (const char *name : {"init", "commit"}) {
+        const std::string script = "/etc/qorcfg.d/" + std::string(name);
+        device_.write_program(script + "-shipped.sh", device_.read(script + ".sh"));
+        device_.write_program(script + ".sh",
+                              "#!/bin/sh\n\"${0%.sh}-shipped.sh\" \"$@\"; status=$?\n" +
+                                  ("echo \"" + std::string(name)) + " $*\" >>" +
+                                  device_.path("/tmp/hook_calls") + "\nexit $status\n");
+    }
+}
 
 void Daemon::list_components(const std::vector<std::string> &names)
 {

@@ -20,6 +20,9 @@ public:
     DeviceRoot &device() { return device_; }
     const DeviceRoot &device() const { return device_; }
 
+    /// Puts the shipped hook scripts in the place of the stubs that only record their calls; the
+    /// calls are still recorded, at their end.
+    void install_hooks();
     /// Enables these components in the list file that `start` names by default.
     void list_components(const std::vector<std::string> &names);
     /// Starts the daemon and waits until it serves; `arguments` follow the program name.
