@@ -13,7 +13,7 @@ namespace qorcfg {
 namespace {
 
 struct ApplyOptions {
-    std::string job;
+    std::optional<std::string> job;
     bool startup = false;
     bool dry_run = false;
 };
@@ -31,15 +31,15 @@ int apply(Session &session, const ApplyOptions &options)
 {
     BatchSelection selection;
     if (options.startup) {
-        if (!options.job.empty()) {
+        if (options.job) {
             return session.misuse("a job number and --startup exclude each other");
         }
         selection.kind = BatchSelection::Kind::startup;
-    } else if (!options.job.empty()) {
-        const auto job = job_number(options.job);
+    } else if (options.job) {
+        const auto job = job_number(*options.job);
         if (!job) {
             return session.misuse("no job number from 1 to " + std::to_string(last_job_number) +
-                                  ": " + shown_name(options.job));
+                                  ": " + shown_name(*options.job));
         }
         selection = {BatchSelection::Kind::job, *job};
     }

@@ -41,7 +41,7 @@ void add_arguments(CLI::App &verb, const char *name, std::vector<std::string> &v
         ->option_text("...");
 }
 
-void add_optional_argument(CLI::App &verb, const char *name, std::string &value,
+void add_optional_argument(CLI::App &verb, const char *name, std::optional<std::string> &value,
                            const char *description)
 {
     verb.add_option(name, value, description)->transform(unshielded)->option_text(" ");

@@ -3,6 +3,7 @@
 #include "tools/session.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,8 +24,8 @@ void choose(CLI::App &verb, Session &session, std::function<int(Session &)> acti
 void add_argument(CLI::App &verb, const char *name, std::string &value, const char *description);
 void add_arguments(CLI::App &verb, const char *name, std::vector<std::string> &values,
                    const char *description);
-/// An argument that may be missing.
-void add_optional_argument(CLI::App &verb, const char *name, std::string &value,
+/// An argument that may be missing; an empty one is there.
+void add_optional_argument(CLI::App &verb, const char *name, std::optional<std::string> &value,
                            const char *description);
 
 /// The flag --json of the verbs whose output is data.

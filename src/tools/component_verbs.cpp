@@ -19,7 +19,7 @@ namespace qorcfg {
 namespace {
 
 struct ComponentsOptions {
-    std::string list;
+    std::optional<std::string> list;
     bool json = false;
 };
 
@@ -73,13 +73,12 @@ void print_components_json(std::ostream &out, const Names &listed)
 
 int list_components(Session &session, const ComponentsOptions &options)
 {
-    const bool named = !options.list.empty();
-    const std::string path = named ? options.list : rooted(default_component_list);
+    const std::string path = options.list.value_or(rooted(default_component_list));
     Names listed;
     if (!for_each_listed_component(path, [&](const char *name) { listed.insert(name); })) {
         // The daemon goes on without its list as well.
         const std::string fault = "cannot read component list " + path + ": ";
-        if (named || errno != ENOENT) {
+        if (options.list || errno != ENOENT) {
             return session.fail(fault + std::strerror(errno));
         }
         session.say(fault + std::strerror(errno) + "; none is enabled");

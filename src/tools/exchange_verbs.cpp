@@ -59,7 +59,7 @@ int import(Session &session, const ImportOptions &options)
 }
 
 struct ExportOptions {
-    std::string prefix;
+    std::optional<std::string> prefix;
     bool json = false;
 };
 
@@ -89,7 +89,8 @@ int export_lines(Session &session, const std::vector<Setting> &settings)
 int export_settings(Session &session, const ExportOptions &options)
 {
     std::vector<Setting> settings;
-    if (const std::string error = store_settings(options.prefix, settings); !error.empty()) {
+    if (const std::string error = store_settings(options.prefix.value_or(""), settings);
+        !error.empty()) {
         return session.fail(error);
     }
     if (!options.json) {
