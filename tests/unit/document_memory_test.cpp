@@ -11,7 +11,7 @@
 namespace {
 
 /// Which of the next JSON objects cannot be had, counted from 1; 0 and below: none.
-int refused_object = 0;
+thread_local int refused_object = 0;
 
 } // namespace
 
