@@ -106,12 +106,6 @@ const BatchFile *newest(const std::vector<BatchFile> &files, Condition condition
     return found;
 }
 
-/// How many jobs ago `job` was numbered, seen from job `last`.
-int age(int job, int last)
-{
-    return ((last - job) % last_job_number + last_job_number) % last_job_number;
-}
-
 /// The groups of files that are applied one after the other.
 enum Group { cut_off, earlier_runs, start_up, jobs, not_now };
 
@@ -149,7 +143,7 @@ public:
     auto key(const BatchFile &file) const
     {
         const Group group = of(file);
-        return std::tuple(group, group == jobs ? -age(*file.job, job_) : 0, time_of(file),
+        return std::tuple(group, group == jobs ? -jobs_since(*file.job, job_) : 0, time_of(file),
                           std::string_view(file.name));
     }
 

@@ -55,7 +55,7 @@ int JobBoard::create()
 void JobBoard::begin(int job)
 {
     const std::lock_guard lock(mutex_);
-    if (last_published_end_ == 0 || !is_newer_job(last_published_end_, job)) {
+    if (last_published_end_ == 0 || !is_newer_job(last_published_end_, job, pth_count)) {
         write_status(status_working);
     }
 }

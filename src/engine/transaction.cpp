@@ -1,5 +1,6 @@
 #include "engine/transaction.h"
 
+#include "core/base/globals.h"
 #include "core/base/log.h"
 #include "engine/batch_time.h"
 #include "platform/file.h"
@@ -65,7 +66,7 @@ Transaction::~Transaction() = default;
 
 bool Transaction::is_overtaken(int job) const
 {
-    return writer_.last_job != 0 && is_newer_job(writer_.last_job, job);
+    return writer_.last_job != 0 && is_newer_job(writer_.last_job, job, pth_count);
 }
 
 Json Transaction::load(const std::string &path) const

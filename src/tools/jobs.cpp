@@ -33,11 +33,11 @@ std::string list_of(const std::vector<int> &jobs)
 }
 
 /// The running jobs that are `job` or older.
-std::vector<int> left_up_to(int job, const std::vector<int> &running)
+std::vector<int> left_up_to(int job, const JobsState &state)
 {
     std::vector<int> left;
-    std::copy_if(running.begin(), running.end(), std::back_inserter(left),
-                 [&](int each) { return !is_newer_job(each, job); });
+    std::copy_if(state.running.begin(), state.running.end(), std::back_inserter(left),
+                 [&](int each) { return !is_newer_job(each, job, state.last); });
     return left;
 }
 
@@ -102,7 +102,7 @@ std::string wait_for_jobs(WaitClock::time_point deadline)
     }
     const int job = state->last;
     for (;;) {
-        const std::vector<int> left = left_up_to(job, state->running);
+        const std::vector<int> left = left_up_to(job, *state);
         if (left.empty()) {
             return "";
         }

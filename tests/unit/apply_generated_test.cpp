@@ -1,3 +1,4 @@
+#include "core/base/globals.h"
 #include "platform/file.h"
 #include "platform/job_number.h"
 #include "support/apply_test.h"
@@ -234,6 +235,7 @@ protected:
         int compared = 0;
         int number = static_cast<int>(random() % last_job_number) + 1;
         for (int step = 0; step < steps && !HasFailure(); ++step) {
+            pth_count = number;
             // A daemon that starts anew writes everything; left-over batches come first.
             const bool start = random() % 6 == 0;
             for (int writes = static_cast<int>(random() % 3) + (start ? 2 : 0), i = 0; i < writes;

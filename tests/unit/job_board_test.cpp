@@ -61,6 +61,14 @@ TEST_F(JobBoardTest, AWorkerThatStartsAfterANewerJobsEndDoesNotWriteTwo)
     EXPECT_EQ(status(), "1");
 }
 
+TEST_F(JobBoardTest, AJobThatFollowsAnEndOfThousandsOfJobsAgoWritesTwo)
+{
+    board_.end(board_.create(), status_done);
+    pth_count = 3000;
+    board_.begin(3000);
+    EXPECT_EQ(status(), "2");
+}
+
 TEST_F(JobBoardTest, TheNumberAfterFourThousandNinetySevenIsOne)
 {
     pth_count = 4096;

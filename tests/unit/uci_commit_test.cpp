@@ -39,6 +39,7 @@ protected:
         return {all.begin() + static_cast<std::ptrdiff_t>(before.size()), all.end()};
     }
     std::string document() const { return device_.document("net", "part"); }
+    UciCommitTest() { pth_count = 0; }
 
     DeviceRoot device_;
 
@@ -289,8 +290,19 @@ TEST_F(UciCommitTest, AnOlderJobDoesNotReplaceWhatANewerOneWrote)
 TEST_F(UciCommitTest, JobOneIsNewerThanJob4097)
 {
     change(static_lan, 4097);
+    pth_count = 1;
     EXPECT_EQ(change(moved_lan, 1).size(), 4U);
     EXPECT_EQ(change(static_lan, 4097), Lines{});
+}
+
+TEST_F(UciCommitTest, ADocumentThatNobodyWroteForThousandsOfJobsIsWrittenByTheLatestJob)
+{
+    for (const int job : {10, 2100, 4097, 2060}) {
+        SCOPED_TRACE(job);
+        pth_count = job;
+        EXPECT_FALSE(change(static_lan, job).empty());
+        EXPECT_FALSE(change(moved_lan, job).empty());
+    }
 }
 
 TEST_F(UciCommitTest, StartUpWritesTakeNoPartInTheOrderOfJobs)
