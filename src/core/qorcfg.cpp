@@ -63,10 +63,6 @@ void start_up(const std::string &component_list)
 
 int run_daemon(int argc, char **argv)
 {
-    if (argc > 2) {
-        std::fprintf(stderr, "usage: qorcfg [COMPONENT-LIST]\n");
-        return 2;
-    }
     ignore_write_signals();
     const int stop = watch_stop_signals();
     qorcfg_change_is_trigger = 1;
@@ -76,7 +72,7 @@ int run_daemon(int argc, char **argv)
         return 1;
     }
     job_board().publish();
-    start_up(argc == 2 ? argv[1] : rooted(default_component_list));
+    start_up(argc >= 2 ? argv[1] : rooted(default_component_list));
     ChangeQueue changes;
     server.serve(stop, [&](const ControlMessage &message) { changes.handle(message); });
     if (!job_board().wait_for_callbacks()) {

@@ -363,12 +363,11 @@ TEST_F(DaemonTest, TheArgumentNamesAnotherComponentList)
     EXPECT_FALSE(device_.exists("/tmp/cache/qorcfg/ucicfg.d/uci_update.systemconfig.system"));
 }
 
-TEST_F(DaemonTest, MoreThanOneArgumentIsWrongUsage)
+TEST_F(DaemonTest, ArgumentsBehindTheComponentListHaveNoMeaning)
 {
-    daemon_.launch({"a", "b"});
-    const ProcessEnd end = daemon_.process().wait();
-    EXPECT_EQ(end.status, 2);
-    EXPECT_NE(end.err.find("usage"), std::string::npos);
+    device_.write("/other.conf", "ietf_debug=1\n");
+    daemon_.start({device_.path("/other.conf"), "/more.conf"});
+    EXPECT_TRUE(device_.exists("/tmp/cache/qorcfg/ucicfg.d/uci_update.debug.configuration"));
 }
 
 TEST_F(DaemonTest, ASatelliteLeavesBaseUnitServicesAlone)
