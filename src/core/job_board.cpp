@@ -48,6 +48,7 @@ int JobBoard::create()
     const int job = next_job_number(pth_count);
     pth_count = job;
     running_[job] = true;
+    latest_abandoned_ = false;
     publish_locked();
     return job;
 }
@@ -57,6 +58,7 @@ void JobBoard::begin(int job)
     const std::lock_guard lock(mutex_);
     if (last_published_end_ == 0 || !is_newer_job(last_published_end_, job, pth_count)) {
         write_status(status_working);
+        working_ = true;
     }
 }
 
@@ -74,6 +76,7 @@ void JobBoard::end(int job, const char *status)
     const std::lock_guard lock(mutex_);
     if (job == pth_count) {
         write_status(status);
+        working_ = false;
         last_published_end_ = job;
     }
     remove(job);
@@ -82,6 +85,7 @@ void JobBoard::end(int job, const char *status)
 void JobBoard::abandon(int job)
 {
     const std::lock_guard lock(mutex_);
+    latest_abandoned_ = latest_abandoned_ || job == pth_count;
     remove(job);
 }
 
@@ -103,6 +107,11 @@ void JobBoard::remove(int job)
 {
     running_.erase(job);
     last_ended_ = job;
+    // Older jobs leave their end to the latest one, which never ran.
+    if (latest_abandoned_ && working_ && running_.empty()) {
+        write_status(status_done);
+        working_ = false;
+    }
     publish_locked();
     changed_.notify_all();
 }

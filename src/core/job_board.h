@@ -31,7 +31,8 @@ public:
     void callbacks_done(int job);
     /// Ends the job: writes `status` if it is still the latest.
     void end(int job, const char *status);
-    /// Ends a job that could not be started; the status file stays.
+    /// Ends a job that could not be started. It publishes nothing of its own; jobs that it has
+    /// overtaken publish "1" once the last of them has ended.
     void abandon(int job);
     /// A worker thread is about to start, and has nothing left to do.
     void worker_started();
@@ -48,6 +49,8 @@ private:
     std::condition_variable changed_;
     std::map<int, bool> running_; // job: its callbacks have yet to return
     int workers_ = 0;
+    bool working_ = false;          // the status file says "2"
+    bool latest_abandoned_ = false; // nobody will publish the latest job's end
     int last_published_end_ = 0;
     int last_ended_ = 0;
 };

@@ -113,6 +113,24 @@ TEST_F(JobBoardTest, AJobThatCouldNotStartLeavesTheStatusAlone)
     EXPECT_EQ(status(), "1");
 }
 
+TEST_F(JobBoardTest, AJobThatCouldNotStartLeavesNobodyWaitingForTheOneBeforeIt)
+{
+    board_.begin(board_.create());
+    board_.begin(board_.create());
+    board_.abandon(board_.create());
+    board_.end(2, status_done);
+    EXPECT_EQ(status(), "2");
+    board_.end(1, status_done);
+    EXPECT_EQ(status(), "1");
+
+    board_.begin(board_.create());
+    board_.create();
+    board_.end(4, status_done);
+    EXPECT_EQ(status(), "2");
+    board_.abandon(5);
+    EXPECT_EQ(status(), "1");
+}
+
 TEST_F(JobBoardTest, WaitingForCallbacksEndsWhenTheLastOneReturnsAndTellsOfWorkersLeft)
 {
     const int job = board_.create();
