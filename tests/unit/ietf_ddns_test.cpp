@@ -19,6 +19,9 @@ TEST(IetfDdnsTest, KeysAreSubscribedInOrderTheStemsAsTheyStand)
                      "sysDNSUser_", "sysDNSHost_", "sysDNSPassword_"}));
     EXPECT_EQ(device.log()[0], "init() - Initializing ddns");
     EXPECT_EQ(registry().find(config_key_id("sysDNSUser_5")), nullptr);
+    device.clear_log();
+    ietf_ddns.register_();
+    EXPECT_EQ(device.log(), Lines{"register() -  ddns"});
 }
 
 class IetfDdnsProviderTest : public testing::Test {
@@ -111,10 +114,20 @@ TEST_F(IetfDdnsProviderTest, SwitchingProvidersDeletesTheOldSection)
                      "set ddns.ddns_oray.service_name=ddns.oray.com"}));
 }
 
+TEST_F(IetfDdnsProviderTest, UnsetKeysYieldNoOption)
+{
+    device_.set({{"endis_ddns", ""}, {"sysDNSUser_2", ""}, {"sysDNSPassword_2", ""}});
+    EXPECT_EQ(document("oray"),
+              R"({"ddns":{"global":{"upd_privateip":"1","provider":"ddns_oray"}},"service":{)"
+              R"("ddns_oray":{"domain":"h2","service_name":"ddns.oray.com"}}})");
+}
+
 TEST_F(IetfDdnsProviderTest, ASatelliteWritesNothing)
 {
     device_.be_base(false);
+    device_.clear_log();
     EXPECT_EQ(device_.run_update(ietf_ddns, 1), 1);
+    EXPECT_EQ(device_.log().back(), " update package ddns");
     EXPECT_EQ(device_.names_in("/tmp/cache/qorcfg/ucicfg.d"), Lines{});
 }
 

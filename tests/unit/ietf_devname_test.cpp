@@ -16,6 +16,9 @@ TEST(IetfDevnameTest, KeysAreSubscribedInOrder)
     const DeviceRoot device;
     EXPECT_EQ(device.subscribed_keys(ietf_devname), (Lines{"Device_name", "GUI_Region"}));
     EXPECT_EQ(device.log()[0], "init() - Initializing device name");
+    device.clear_log();
+    ietf_devname.register_();
+    EXPECT_EQ(device.log(), Lines{"register() -  device name"});
 }
 
 TEST(IetfDevnameTest, TheNameStandsInThreeOptionsAndTheRegionIsTheLanguage)

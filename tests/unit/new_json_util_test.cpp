@@ -188,6 +188,22 @@ TEST(SystemInfoTest, RowsAreReadInOrderAndPrintedOnStandardError)
     EXPECT_STREQ(systeminfo[mppp_net_section].key, "mppp_net_section");
 }
 
+TEST(SystemInfoTest, EachRowHasItsKeyAtItsPosition)
+{
+    const DeviceRoot device;
+    device.write(interface_file,
+                 R"({"wan_eth_ifs": "0", "lan_eth_ifs": "1", "wan_net_if": "2",
+                     "lan_net_if": "3", "ppp_net_if": "4", "mppp_net_if": "5",
+                     "pppv6_net_if": "6", "wan_net_section": "7", "lan_net_section": "8",
+                     "ppp_net_section": "9", "mppp_net_section": "10",
+                     "wanv6_net_section": 11})");
+    init_all_systeminfo();
+    ASSERT_EQ(systeminfo.size(), 12U);
+    for (std::size_t row = 0; row < systeminfo.size(); ++row) {
+        EXPECT_EQ(systeminfo[row].value, std::to_string(row));
+    }
+}
+
 TEST(SystemInfoTest, AValueIsCutAt126Bytes)
 {
     const DeviceRoot device;
