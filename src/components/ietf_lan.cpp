@@ -217,6 +217,7 @@ int update(int job)
     QORCFG_LOG(" update network lan");
     Document doc;
     build(doc);
+    doc.drop_incomplete_parts();
     if (!doc.complete()) {
         return -1;
     }

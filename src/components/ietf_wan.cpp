@@ -162,6 +162,7 @@ int update(int job)
     QORCFG_LOG(" update wan");
     Document doc;
     build(doc);
+    doc.drop_incomplete_parts();
     return commit(doc, "network", systeminfo[wan_net_section].value, job);
 }
 

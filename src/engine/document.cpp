@@ -74,6 +74,13 @@ Document::Document() : Document(Json::object()) {}
 
 Document::Document(Json root) : root_(std::move(root)), complete_(static_cast<bool>(root_)) {}
 
+void Document::drop_incomplete_parts()
+{
+    if (!complete_ && root_) {
+        *this = Document();
+    }
+}
+
 Document Document::parse(std::string_view text)
 {
     Json root = parse_json(text, JsonSyntax::lenient);

@@ -78,6 +78,9 @@ public:
     /// False once memory for a part of the document could not be had: it must not be handed over.
     bool complete() const { return complete_; }
     void mark_incomplete() { complete_ = false; }
+    /// Makes an incomplete document an empty one that may be handed over, for services of which a
+    /// part is worse than nothing. A document that could itself not be made stays incomplete.
+    void drop_incomplete_parts();
 
 private:
     explicit Document(Json root);

@@ -1,4 +1,5 @@
 #include "components/components.h"
+#include "components/vlan_settings.h"
 #include "platform/key_id.h"
 #include "support/device_root.h"
 
@@ -113,6 +114,60 @@ TEST_F(DocumentMemoryTest, WithoutADocumentTheFirewallWritesNothing)
                             "block_skeyword", "mulpppoe_setting"}) {
         EXPECT_EQ(update_without(whole_document, ietf_firewall, key), -1) << key;
     }
+    EXPECT_EQ(files(), Lines{});
+}
+
+TEST_F(DocumentMemoryTest, WanAndLanGoOutEmptyRatherThanInPart)
+{
+    set_lan_ports("");
+    device_.set({{"wan_proto", "orange_dhcp"}, {"enable_orange", "1"}});
+    EXPECT_EQ(update_without(0, ietf_wan), 0);
+    EXPECT_NE(device_.document("network", "wan").find(R"("iptv")"), std::string::npos);
+    // The objects of the two containers and of the port, the bridge and the IPTV bridge.
+    for (const int object : {container, first_section, second_section, 5, 6}) {
+        EXPECT_EQ(update_without(object, ietf_wan), 0) << object;
+        EXPECT_EQ(device_.document("network", "wan"), "{}") << object;
+    }
+    EXPECT_EQ(update_without(0, ietf_lan), 0);
+    EXPECT_NE(device_.document("network", "lan").find(R"("proto":"static")"), std::string::npos);
+    EXPECT_EQ(update_without(first_section, ietf_lan), 0);
+    EXPECT_EQ(device_.document("network", "lan"), "{}");
+}
+
+TEST_F(DocumentMemoryTest, WithoutADocumentWanAndLanKeepWhatTheyWrote)
+{
+    device_.set({{"wan_proto", "dhcp"}});
+    for (const auto &[section, component] : {std::pair{"wan", &ietf_wan}, {"lan", &ietf_lan}}) {
+        EXPECT_EQ(update_without(0, *component), 0);
+        const std::string written = device_.document("network", section);
+        EXPECT_EQ(update_without(whole_document, *component), -1);
+        EXPECT_EQ(device_.document("network", section), written);
+    }
+}
+
+TEST_F(DocumentMemoryTest, DhcpGoesOutEmptyWithoutItsContainer)
+{
+    device_.set({{"reservation1", "192.168.1.5 02:00:5e:00:53:01 pc"}, {"dns_hijack", "1"}});
+    for (const auto &[key, section] :
+         {std::pair{"lan_dhcp", "lan"}, {"reservation", "host"}, {"dns_hijack", "hijack"}}) {
+        EXPECT_EQ(update_without(0, ietf_dhcp, key), 0);
+        EXPECT_NE(device_.document("dhcp", section), "{}");
+        EXPECT_EQ(update_without(container, ietf_dhcp, key), 0);
+        EXPECT_EQ(device_.document("dhcp", section), "{}");
+    }
+}
+
+TEST_F(DocumentMemoryTest, StaticRoutesAreNotHandedOverWithoutTheirList)
+{
+    for (const int object : {whole_document, container}) {
+        EXPECT_EQ(update_without(object, ietf_static_route), 1);
+    }
+    EXPECT_EQ(files(), Lines{});
+}
+
+TEST_F(DocumentMemoryTest, VlansAreNotHandedOverWithoutADocument)
+{
+    EXPECT_EQ(update_without(whole_document, ietf_vlan), -1);
     EXPECT_EQ(files(), Lines{});
 }
 
