@@ -233,6 +233,23 @@ TEST_F(IetfVlanTest, OrangeFranceRulesNeedTheirSwitch)
                   device_section("eth0", "840", "5") + "}," + tagged_end);
 }
 
+TEST_F(IetfVlanTest, OrangeFranceComesBeforeOrangeSpain)
+{
+    EXPECT_EQ(
+        tagged(
+            {{"enable_orange", "1"}, {"orange_spain_iptv", "1"}, {"vlan_tag_1", "1 IPTV 838 4 1"}}),
+        std::string("{") + tagged_end);
+}
+
+TEST_F(IetfVlanTest, ALaterEntryOfTheSameVlanReplacesItsPriorityInPlace)
+{
+    EXPECT_EQ(tagged({{"vlan_tag_1", "1 Internet 10 1 0"},
+                      {"vlan_tag_2", "1 Internet 11 2 0"},
+                      {"vlan_tag_3", "1 Internet 10 3 0"}}),
+              R"({"device":{)" + device_section("eth0", "10", "3") + "," +
+                  device_section("eth0", "11", "2") + "}," + tagged_end);
+}
+
 TEST_F(IetfVlanTest, SpanishProfilesGetNoIptvBridge)
 {
     const struct {
@@ -295,6 +312,22 @@ TEST_F(IetfVlanTest, AMaskThatIsNoNumberBridgesNoPort)
     EXPECT_EQ(bridging({{"iptv_vlan_enable", "1"}, {"iptv_vlan", "50"}, {"iptv_mask", "all"}}),
               R"({"device":{)" + device_section("eth0", "50") + R"(},"interface":{)" +
                   bridge_section("v50", "eth0-v50") + "}," + bridging_end);
+}
+
+TEST_F(IetfVlanTest, MembersOfABridgeOfPortsAreCutAt128BytesAndALongFirstOneIsReported)
+{
+    const std::string port(117, 'w');
+    systeminfo[wan_eth_ifs].value = port;
+    const std::string members = port + "-v50 eth1-v50";
+    ASSERT_EQ(members.size(), 130U);
+    EXPECT_NE(bridging({{"iptv_vlan_enable", "1"}, {"iptv_vlan", "50"}, {"iptv_mask", "1"}})
+                  .find("\"" + members.substr(0, 128) + "\""),
+              std::string::npos);
+    systeminfo[wan_eth_ifs].value = std::string(126, 'w');
+    testing::internal::CaptureStderr();
+    EXPECT_NE(document({}).find("\"" + std::string(126, 'w') + "-v\""), std::string::npos);
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("bridge_mode_cdb_to_json"),
+              std::string::npos);
 }
 
 TEST_F(IetfVlanTest, SwitchingVlansOffDeletesEverySection)

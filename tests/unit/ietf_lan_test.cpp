@@ -102,6 +102,35 @@ TEST_F(IetfLanTest, InFactoryModeAnAccessPointIsARouterOfAllPorts)
                        std::string(common)));
 }
 
+TEST_F(IetfLanTest, InFactoryModeTheWanPortJoinsARouterToo)
+{
+    EXPECT_TRUE(lan_has({{"factory_mode", "1"}, {"ap_mode", "0"}, {"enable_vlan", "1"}},
+                        R"({"proto":"static","ifname":"eth1 eth0 ",)"));
+}
+
+TEST_F(IetfLanTest, PortListsAreCutAt63Bytes)
+{
+    const std::string port(70, 'p');
+    systeminfo[lan_eth_ifs].value = port;
+    EXPECT_TRUE(lan_has({}, R"("ifname":")" + port.substr(0, 63) + " \""));
+    systeminfo[lan_eth_ifs].value = port.substr(0, 60);
+    EXPECT_TRUE(lan_has({{"ap_mode", "1"}}, R"("ifname":")" + port.substr(0, 60) + " et \""));
+}
+
+TEST_F(IetfLanTest, TheSectionIsLanWhateverTheDeviceCallsItsLan)
+{
+    systeminfo[lan_net_section].value = "home";
+    EXPECT_TRUE(lan_has({}, R"({"interface":{"lan":{)"));
+}
+
+TEST_F(IetfLanTest, ASatelliteOfAnAccessPointHasNoIpv6)
+{
+    device_.be_base(false);
+    EXPECT_EQ(lan({{"ap_mode", "1"}, {"lan_ipaddr", "192.0.2.1"}}),
+              document(R"("proto":"dhcp","ifname":"eth1 eth0","type":"bridge","force_link":1,)" +
+                       std::string(common)));
+}
+
 TEST_F(IetfLanTest, ASatelliteHasThePortsAloneAndDhcp)
 {
     device_.be_base(false);
@@ -267,12 +296,19 @@ TEST_F(IetfLanTest, FixedIpv6HasItsAddress)
               router("eth1 ", R"("ip6addr":"2001:db8::1/645","ipv6":"1","ip6assign":"64")"));
 }
 
+TEST_F(IetfLanTest, TheFixedIpv6AddressIsCutAt127Bytes)
+{
+    EXPECT_TRUE(lan_has({{"ipv6_type", "fixed"}, {"ipv6_fixed_lan_ip", std::string(128, 'a')}},
+                        R"("ip6addr":")" + std::string(127, 'a') + R"(/","ipv6":"1")"));
+}
+
 TEST_F(IetfLanTest, ATypedInterfaceIdReplacesTheComputedOne)
 {
     EXPECT_TRUE(
         lan_has({{"ipv6_dhcps_interface_id_enable", "1"}, {"ipv6_dhcps_interface_id", "1:2:3:4"}},
                 R"("ip6ifaceid":"::1:2:3:4")"));
     EXPECT_TRUE(lan_has({{"ipv6_dhcps_interface_id_enable", "2"}}, ipv6));
+    EXPECT_TRUE(lan_has({{"ipv6_dhcps_interface_id_enable", "01"}}, R"("::1:2:3:4")"));
 }
 
 TEST_F(IetfLanTest, TheInterfaceIdFlipsTheCharacterOfTheSecondDigit)

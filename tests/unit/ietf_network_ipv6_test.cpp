@@ -1,5 +1,6 @@
 #include "components/components.h"
 
+#include "engine/systeminfo.h"
 #include "support/device_root.h"
 
 #include <gtest/gtest.h>
@@ -298,6 +299,17 @@ TEST_F(IetfNetworkIpv6Test, AnyOtherTypeHasOnlyTheCommonOptionsUnderItsOwnName)
     EXPECT_EQ(document("", {{"ipv6__dns1", "2001:db8::53"}}),
               section(R"("ipv6_cone_filtering":"open","peerdns":"0","dns":"2001:db8::53")"));
     EXPECT_EQ(document("Dhcp"), section(R"("ipv6_cone_filtering":"open","peerdns":"0")"));
+}
+
+TEST_F(IetfNetworkIpv6Test, NamesComeFromTheSystemInformation)
+{
+    const auto saved = systeminfo;
+    systeminfo[wan_net_if].value = "br-out";
+    systeminfo[wanv6_net_section].value = "outside6";
+    const std::string named = document("bridge");
+    systeminfo = saved;
+    EXPECT_EQ(named, R"({"interface":{"outside6":{"proto":"pasthru","ifname":"br-out",)"
+                     R"("ipv6_type":"pasthru"}}})");
 }
 
 TEST_F(IetfNetworkIpv6Test, ATypeIsReadTo31Characters)

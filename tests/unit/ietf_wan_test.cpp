@@ -200,6 +200,28 @@ TEST(IetfWanTest, AnAccessPointHasTheMembersOfTheBridgeOnly)
               R"({"interface":{"wan":{"ifname":"eth0"}}})");
 }
 
+TEST(IetfWanTest, AnAccessPointKeepsTheSubInterfaceOfTheInternetService)
+{
+    const NetworkDevice device;
+    EXPECT_EQ(device.document_for(ietf_wan, "wan",
+                                  {{"ap_mode", "1"},
+                                   {"enable_vlan", "1"},
+                                   {"vlan_type", "1"},
+                                   {"vlan_tag_1", "1 Internet 10 0 0"}}),
+              R"({"interface":{"wan":{"ifname":"eth0-v10"}}})");
+}
+
+TEST(IetfWanTest, SessionsAreNamedByTheSystemInformation)
+{
+    const NetworkDevice device;
+    systeminfo[wan_net_if].value = "br-out";
+    systeminfo[ppp_net_section].value = "first";
+    systeminfo[mppp_net_section].value = "second";
+    const std::string text = device.document_for(ietf_wan, "wan", {{"wan_proto", "mulpppoe"}});
+    EXPECT_NE(text.find(R"("first":{"ifname":"br-out")"), std::string::npos) << text;
+    EXPECT_NE(text.find(R"("second":{"ifname":"br-out")"), std::string::npos) << text;
+}
+
 TEST(IetfWanTest, NamesComeFromTheSystemInformation)
 {
     const NetworkDevice device;

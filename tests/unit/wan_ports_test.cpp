@@ -38,6 +38,17 @@ TEST_F(WanPortsTest, AnInternetEntryOfIdZeroEndsTheScan)
     EXPECT_EQ(wan_ifname(), "eth0");
 }
 
+TEST_F(WanPortsTest, AnyOtherInternetIdIsTakenAsItReads)
+{
+    tagged();
+    for (const char *id : {"-5", "4095"}) {
+        device_.set({{"vlan_tag_1", std::string("1 Internet ") + id}});
+        EXPECT_EQ(wan_ifname(), std::string("eth0-v") + id);
+    }
+    device_.set({{"vlan_tag_1", "1 Internet ten"}, {"vlan_tag_2", "1 Internet 10"}});
+    EXPECT_EQ(wan_ifname(), "eth0");
+}
+
 TEST_F(WanPortsTest, AnInternetEntryOfTwoFieldsIsPassedOver)
 {
     tagged();

@@ -143,6 +143,12 @@ TEST_F(WanOrangePppoeTest, IptvAddsItsBridge)
                         R"("force_link":"1","iptv_enable":"1","proto":"dhcp"}}})"));
 }
 
+TEST_F(WanOrangePppoeTest, Ipv6OverTheSameSessionIsAuto)
+{
+    EXPECT_TRUE(wan_has({{"ipv6_sameinfo", "1"}, {"ipv6_type", "pppoe"}},
+                        R"("force_link":"1","ipv6":"auto","username")"));
+}
+
 TEST_F(WanOrangePppoeTest, ASessionDialledByHandIsNotAuto)
 {
     EXPECT_TRUE(
