@@ -128,7 +128,7 @@ TEST_F(SettingsTest, JobsWhoseScriptsRunInTheWrongOrderAreAppliedInTheirs)
     device_.write_program(script, "#!/bin/sh\n"
                                   "[ \"$1\" != 1 ] || until [ -e " +
                                       device_.path("/tmp/go") +
-                                      " ]; do sleep 0.01; done\n"
+                                      " ] || [ ! -e \"$0\" ]; do sleep 0.01; done\n"
                                       "exec \"${0%.sh}-shipped.sh\" \"$@\"\n");
     qorctl({"set", "sysDNSHost_5=first.example.net"});
     qorctl({"commit"});

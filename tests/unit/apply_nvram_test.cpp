@@ -100,14 +100,13 @@ TEST_F(ApplyNvramTest, AnEmptyUpdateNeedsNoScript)
 
 TEST_F(ApplyNvramTest, WhatTheScriptLeavesRunningDoesNotHoldTheLock)
 {
-    device.write_program("/etc/qorcfg.d/nvram.sh",
-                         "#!/bin/sh\n(while [ ! -e " + device.path("/go") +
-                             " ]; do sleep 0.01; done) >/dev/null 2>&1 &\n");
+    device.write_program(
+        "/etc/qorcfg.d/nvram.sh",
+        "#!/bin/sh\n(while [ -e \"$0\" ]; do sleep 0.01; done) >/dev/null 2>&1 &\n");
     update("nvram_update1.wlan", "set a=1\n");
     EXPECT_TRUE(apply_job(1)) << errors;
     update("nvram_update2.wlan", "");
     EXPECT_TRUE(apply_job(2)) << errors; // would wait for ever
-    device.write("/go", "");
 }
 
 } // namespace

@@ -1,0 +1,62 @@
+#include "platform/file.h"
+#include "platform/key_id.h"
+#include "sample_device.h"
+#include "support/daemon.h"
+#include "support/jobs.h"
+#include "support/wait.h"
+#include "table.h"
+
+#include <cstdlib>
+#include <filesystem>
+
+// Private memory of the daemon with the whole sample device: after start-up, and after commits.
+namespace qorcfg::bench {
+namespace {
+
+namespace fs = std::filesystem;
+
+double private_kib(pid_t pid)
+{
+    const std::string path = "/proc/" + std::to_string(pid) + "/smaps_rollup";
+    double sum = 0;
+    for (const std::string &line : test::split_lines(read_file(path, 1 << 16).value_or(""))) {
+        if (line.rfind("Private_", 0) == 0) {
+            sum += std::atof(line.substr(line.find(':') + 1).c_str());
+        }
+    }
+    return sum;
+}
+
+void Memory(benchmark::State &state)
+{
+    constexpr int commits = 10'000;
+    constexpr const char *key = "Device_name";
+    for (auto _ : state) {
+        test::Daemon daemon;
+        test::DeviceRoot &device = daemon.device();
+        lay_sample_device(device);
+        daemon.start();
+        fs::remove(device.path("/tmp/qorcfg_debug"));
+        fs::remove(device.path("/etc/qorcfg.d/commit.sh"));
+        fs::copy_file("/bin/true", device.path("/etc/qorcfg.d/commit.sh"));
+        state.counters["start_KiB"] = private_kib(daemon.process().pid());
+        const std::string announcement = "2:" + std::to_string(config_key_id(key));
+        for (int i = 1; i <= commits; ++i) {
+            const int before = test::read_jobs(device).last;
+            daemon.send(announcement);
+            daemon.send("3:0");
+            if (!test::wait_until([&] {
+                    return test::read_jobs(device).last != before && test::ended_jobs(device);
+                })) {
+                state.SkipWithError("a job does not end");
+                return;
+            }
+        }
+        state.counters["after_commits_KiB"] = private_kib(daemon.process().pid());
+        daemon.stop();
+    }
+}
+BENCHMARK(Memory)->Iterations(1);
+
+} // namespace
+} // namespace qorcfg::bench

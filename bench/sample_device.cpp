@@ -1,0 +1,58 @@
+#include "sample_device.h"
+
+#include "core/base/globals.h"
+#include "engine/systeminfo.h"
+#include "platform/file.h"
+#include "platform/reference/store.h"
+
+#include <cstdio>
+#include <fcntl.h>
+#include <filesystem>
+#include <stdexcept>
+#include <unistd.h>
+
+namespace qorcfg::bench {
+
+namespace fs = std::filesystem;
+
+void lay_sample_device(const test::DeviceRoot &device)
+{
+    const fs::path sample = QORCFG_SAMPLE_DEVICE;
+    for (const char *folder : {"tmp", "etc/ath"}) {
+        fs::copy(sample / folder, device.root() / fs::path(folder),
+                 fs::copy_options::recursive | fs::copy_options::overwrite_existing |
+                     fs::copy_options::copy_symlinks);
+    }
+    for (const auto &entry : fs::directory_iterator(sample / "defaults.d")) {
+        std::vector<StoreWrite> writes;
+        for (const std::string &line :
+             test::split_lines(read_file(entry.path(), std::size_t{1} << 20).value_or(""))) {
+            const std::size_t sign = line.find('=');
+            if (!line.empty() && line[0] != '#' && sign != std::string::npos) {
+                writes.push_back({line.substr(0, sign), line.substr(sign + 1)});
+            }
+        }
+        if (const std::string error = store_write(writes, Marking::leave); !error.empty()) {
+            throw std::runtime_error(error);
+        }
+    }
+    fs::remove(device.path("/tmp/qorcfg_debug"));
+    is_base = read_is_base();
+}
+
+SilentOutput::SilentOutput() : kept_(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0))
+{
+    std::fflush(stdout);
+    const int nowhere = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+    ::dup2(nowhere, STDOUT_FILENO);
+    ::close(nowhere);
+}
+
+SilentOutput::~SilentOutput()
+{
+    std::fflush(stdout);
+    ::dup2(kept_, STDOUT_FILENO);
+    ::close(kept_);
+}
+
+} // namespace qorcfg::bench
