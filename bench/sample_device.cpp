@@ -40,19 +40,24 @@ void lay_sample_device(const test::DeviceRoot &device)
     is_base = read_is_base();
 }
 
-SilentOutput::SilentOutput() : kept_(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0))
+SilentOutput::SilentOutput()
+    : output_(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0)),
+      errors_(::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0))
 {
-    std::fflush(stdout);
+    std::fflush(nullptr);
     const int nowhere = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
     ::dup2(nowhere, STDOUT_FILENO);
+    ::dup2(nowhere, STDERR_FILENO);
     ::close(nowhere);
 }
 
 SilentOutput::~SilentOutput()
 {
-    std::fflush(stdout);
-    ::dup2(kept_, STDOUT_FILENO);
-    ::close(kept_);
+    std::fflush(nullptr);
+    ::dup2(output_, STDOUT_FILENO);
+    ::dup2(errors_, STDERR_FILENO);
+    ::close(output_);
+    ::close(errors_);
 }
 
 } // namespace qorcfg::bench

@@ -10,7 +10,7 @@ namespace qorcfg::bench {
 /// Lays the sample device with its default settings, and switches diagnostics off as on a device.
 void lay_sample_device(const test::DeviceRoot &device);
 
-/// While it lives, standard output goes nowhere: the engine prints every line that it writes.
+/// While it lives, output goes nowhere: the engine prints every line that it writes.
 class SilentOutput {
 public:
     SilentOutput();
@@ -19,7 +19,8 @@ public:
     SilentOutput &operator=(const SilentOutput &) = delete;
 
 private:
-    int kept_;
+    int output_;
+    int errors_;
 };
 
 } // namespace qorcfg::bench

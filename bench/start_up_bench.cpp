@@ -23,13 +23,18 @@ class StartUp : public benchmark::Fixture {
 public:
     void SetUp(benchmark::State & /*state*/) override
     {
+        silent_ = std::make_unique<SilentOutput>();
         device_ = std::make_unique<test::DeviceRoot>();
         lay_sample_device(*device_);
         qorcfg_change_is_trigger = 1;
         enable_listed_components(device_->path("/tmp/cache/qorcfg/qorcfg.conf"));
         init_all_systeminfo();
     }
-    void TearDown(benchmark::State & /*state*/) override { device_.reset(); }
+    void TearDown(benchmark::State & /*state*/) override
+    {
+        device_.reset();
+        silent_.reset();
+    }
 
 protected:
     void remove_files() const
@@ -51,7 +56,7 @@ protected:
         return files;
     }
 
-    SilentOutput silent_;
+    std::unique_ptr<SilentOutput> silent_;
     std::unique_ptr<test::DeviceRoot> device_;
 };
 
