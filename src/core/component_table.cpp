@@ -2,6 +2,7 @@
 
 #include "components/components.h"
 #include "platform/file.h"
+#include "wireless/ietf_wireless.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -42,7 +43,7 @@ const std::array<ComponentRow, 30> components{{
     {"ietf_syslog", &ietf_syslog},
     {"ietf_upnpd", &ietf_upnpd},
     {"ietf_parental", &ietf_parental},
-    {"ietf_wireless", nullptr},
+    {"ietf_wireless", &ietf_wireless},
     {"ietf_vlan", &ietf_vlan},
     {"ietf_outdoor_led", &ietf_outdoor_led},
     {"ietf_debug", &ietf_debug},
