@@ -84,11 +84,6 @@ constexpr std::array<SoapGroup, 9> soap_groups{{
     {system_dfs_keys, "SystemDfs"},
 }};
 
-bool is_base_unit(const WirelessRun & /*run*/)
-{
-    return is_base != 0;
-}
-
 int commit_wireless(const Document &document, int job)
 {
     return commit(document, "wireless", "all", job);
@@ -174,11 +169,9 @@ WirelessModel &ietf_wireless_model()
 const WirelessBackend ietf_wireless_backend{
     [](const WirelessRun &run, const Radio &radio) { return run.hardware().device_of(radio.name); },
     [](const Interface &interface) { return std::string(interface.name); },
-    // Satellites keep their access points, switched off where the chain ends with them.
-    [](const WirelessRun &run) {
-        return is_base_unit(run) || config_value("repacd_Daisy_Chain_Enable") != "0";
-    },
-    [](const WirelessRun &run) { return !is_base_unit(run); },
+    // Where a chain of satellites ends, its access points are there all the same, switched off.
+    [](const WirelessRun & /*run*/) { return true; },
+    [](const WirelessRun & /*run*/) { return is_base == 0; },
     add_ietf_radio_options,
     add_ietf_interface_options,
 };

@@ -66,14 +66,13 @@ public:
     /// Returns what is known now.
     std::shared_ptr<const WirelessFacts> refresh();
     const WirelessScalars &scalars() const { return scalars_; }
-    /// Forgets all facts; for tests, which change the device under the process.
-    void forget();
 
 private:
     const std::span<const BoardRead> board_;
     const WirelessScalars scalars_;
     std::mutex mutex_;
     std::shared_ptr<const WirelessFacts> facts_;
+    unsigned root_generation_; ///< path root that the facts were read below
 };
 
 } // namespace qorcfg
