@@ -3,6 +3,7 @@
 #include "platform/key_id.h"
 #include "wireless/wireless_keys.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace qorcfg {

@@ -3,6 +3,7 @@
 #include "platform/config_value.h"
 #include "platform/key_id.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace qorcfg {

@@ -4,7 +4,9 @@
 #include "platform/config_value.h"
 #include "platform/key_id.h"
 
+#include <algorithm>
 #include <atomic>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <sstream>
 #include <thread>

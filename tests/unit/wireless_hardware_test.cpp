@@ -3,6 +3,7 @@
 #include "support/wireless_device.h"
 #include "wireless/country_tables.h"
 
+#include <filesystem>
 #include <gtest/gtest.h>
 
 namespace qorcfg {

@@ -3,6 +3,7 @@
 #include "support/wireless_device.h"
 
 #include <array>
+#include <filesystem>
 #include <gtest/gtest.h>
 
 namespace qorcfg {

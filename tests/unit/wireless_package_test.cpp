@@ -3,6 +3,8 @@
 #include "apply/uci_package.h"
 #include "support/apply_test.h"
 
+#include <atomic>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <thread>
 

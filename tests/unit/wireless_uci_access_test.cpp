@@ -2,6 +2,8 @@
 
 #include "support/device_root.h"
 
+#include <algorithm>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <uci.h>
 
