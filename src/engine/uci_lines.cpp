@@ -1,30 +1,13 @@
 #include "engine/uci_lines.h"
 
+#include "engine/append_line.h"
 #include "engine/new_json_util.h"
 
 #include <algorithm>
-#include <initializer_list>
 
 namespace qorcfg {
 
 namespace {
-
-void append_on_one_line(std::string &lines, std::string_view text)
-{
-    const std::size_t begin = lines.size();
-    lines += text;
-    std::replace_if(
-        lines.begin() + static_cast<std::ptrdiff_t>(begin), lines.end(),
-        [](char byte) { return byte == '\n' || byte == '\r'; }, ' ');
-}
-
-void append_line(std::string &lines, std::initializer_list<std::string_view> parts)
-{
-    for (const std::string_view part : parts) {
-        append_on_one_line(lines, part);
-    }
-    lines += '\n';
-}
 
 /// How lines address element `index` (1 or more) of an array.
 std::string array_section(int kind, std::string_view type, std::size_t index)

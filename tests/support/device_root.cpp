@@ -203,11 +203,30 @@ std::vector<std::string> DeviceRoot::lines(int job, const std::string &package,
                             package + "." + section));
 }
 
+std::vector<std::string> DeviceRoot::nvram_startup_lines(const std::string &name) const
+{
+    return split_lines(read("/tmp/cache/qorcfg/nvramcfg.d/nvram_update." + name));
+}
+
+std::vector<std::string> DeviceRoot::nvram_lines(int job, const std::string &name) const
+{
+    return split_lines(
+        read("/tmp/cache/qorcfg/nvramcfg.d/nvram_update" + std::to_string(job) + "." + name));
+}
+
 std::string DeviceRoot::document(const std::string &package, const std::string &section) const
 {
-    const std::string text =
-        read("/tmp/cache/qorcfg/ucicfg.d/uci-" + package + "-" + section + ".json");
-    const Json document = parse_json(text, JsonSyntax::strict);
+    return compact_document("/tmp/cache/qorcfg/ucicfg.d/uci-" + package + "-" + section + ".json");
+}
+
+std::string DeviceRoot::nvram_document(const std::string &name) const
+{
+    return compact_document("/tmp/cache/qorcfg/nvramcfg.d/nvram-" + name + ".json");
+}
+
+std::string DeviceRoot::compact_document(const std::string &device_path) const
+{
+    const Json document = parse_json(read(device_path), JsonSyntax::strict);
     return document ? json_object_to_json_string_ext(
                           document.get(), JSON_C_TO_STRING_PLAIN | JSON_C_TO_STRING_NOSLASHESCAPE)
                     : "";

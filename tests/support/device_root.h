@@ -58,6 +58,10 @@ public:
     std::vector<std::string> lines(int job, const std::string &package,
                                    const std::string &section) const;
     std::string document(const std::string &package, const std::string &section) const;
+    /// The same of the NVRAM-side writer.
+    std::vector<std::string> nvram_startup_lines(const std::string &name) const;
+    std::vector<std::string> nvram_lines(int job, const std::string &name) const;
+    std::string nvram_document(const std::string &name) const;
 
     /// The messages logged so far, without time and place; and whole lines.
     std::vector<std::string> log() const;
@@ -68,6 +72,8 @@ public:
     std::vector<std::string> killall_calls() const;
 
 private:
+    std::string compact_document(const std::string &device_path) const;
+
     std::string root_;
     std::string old_path_;
 };
