@@ -1,10 +1,10 @@
 #include "wireless/ietf_wireless.h"
 
 #include "core/base/globals.h"
-#include "core/base/hooks.h"
 #include "engine/uci_commit.h"
 #include "platform/config_value.h"
 #include "wireless/wireless_keys.h"
+#include "wireless/wireless_soap.h"
 
 #include <array>
 #include <span>
@@ -66,12 +66,6 @@ constexpr std::array mesh_link_options{
     FixedOption{"ManageVAPInd", "0"},
 };
 
-/// A group of settings that satellites mirror as one.
-struct SoapGroup {
-    std::span<const char *const> keys;
-    const char *word;
-};
-
 constexpr std::array<SoapGroup, 9> soap_groups{{
     {advanced_keys, "AdvancedWLAN"},
     {region_keys, "WLANRegion"},
@@ -129,13 +123,7 @@ int update_soap_wireless(const ChangedKeys *keys, int /*action*/)
         QORCFG_LOG("soap sync:%s", "hijack in process, don't need do wireless soap sync");
         return 0;
     }
-    for (const SoapGroup &group : soap_groups) {
-        if (any_key_changed(keys, group.keys)) {
-            QORCFG_LOG("soap sync %s", (std::string("wireless ") + group.word).c_str());
-            notify_soap_agent(group.word);
-            return 0;
-        }
-    }
+    tell_changed_group(keys, soap_groups);
     return 0;
 }
 

@@ -2,7 +2,7 @@
 
 #include "core/base/globals.h"
 #include "platform/config_value.h"
-#include "wireless/wireless_settings.h"
+#include "wireless/interface_options.h"
 
 #include <array>
 #include <string>
@@ -11,48 +11,6 @@
 namespace qorcfg {
 
 namespace {
-
-constexpr std::array backhaul_ap_options{
-    FixedOption{"mode", "ap"},
-    FixedOption{"wds", "1"},
-    FixedOption{"athnewind", "1"},
-    FixedOption{"vap_ind", "0"},
-    FixedOption{"backhaul", "1"},
-    FixedOption{"backhaul_ap", "1"},
-    FixedOption{"wsplcd_unmanaged", "1"},
-    FixedOption{"repacd_security_unmanaged", "1"},
-};
-
-constexpr std::array backhaul_sta_options{
-    FixedOption{"mode", "sta"},
-    FixedOption{"wds", "1"},
-    FixedOption{"athnewind", "1"},
-    FixedOption{"vap_ind", "0"},
-    FixedOption{"backhaul", "1"},
-    FixedOption{"wsplcd_unmanaged", "1"},
-    FixedOption{"repacd_security_unmanaged", "1"},
-};
-
-constexpr std::array main_guest_vlan_wps_options{
-    FixedOption{"wps_pbc", "1"},           FixedOption{"wps_pbc_enable", "1"},
-    FixedOption{"wps_pbc_noclone", "1"},   FixedOption{"wps_pbc_start_time", "0"},
-    FixedOption{"wps_pbc_duration", "60"},
-};
-
-constexpr std::array backhaul_guest_vlan_wps_options{
-    FixedOption{"wps_pbc", "1"},
-    FixedOption{"wps_pbc_enable", "1"},
-    FixedOption{"wps_pbc_noclone", "0"},
-    FixedOption{"wps_pbc_start_time", "61"},
-    FixedOption{"wps_pbc_duration", "120"},
-};
-
-// The address that guests must not reach is the delivered one, whatever the LAN address is now.
-constexpr std::array isolated_guest_options{
-    FixedOption{"isolate", "1"},
-    FixedOption{"lan_restricted", "1"},
-    FixedOption{"lan_ipaddr", "192.168.1.1"},
-};
 
 constexpr std::array<SecurityType, 3> security_types{{
     {"1", "none", nullptr},
@@ -68,43 +26,6 @@ constexpr std::array<MappedValue, 3> short_preamble_values{{
     {"2", "1"},
 }};
 
-const char *network_of(const WirelessRun &run, const Interface &interface)
-{
-    if (run.guest_vlan() && interface.role == Role::guest) {
-        return "guest";
-    }
-    return run.guest_vlan() && interface.is_backhaul() ? "backhaul" : run.scalars().BRIDGE_SUFFIX;
-}
-
-void add_role_options(const WirelessRun &run, WifiSection &section, const Interface &interface)
-{
-    switch (interface.role) {
-    case Role::main:
-        section.add("mode", "ap");
-        if (run.guest_vlan()) {
-            section.add("repacd_security_unmanaged", "1");
-        }
-        break;
-    case Role::guest:
-        section.add("mode", "ap");
-        if (run.guest_vlan()) {
-            section.add("athnewind", "0");
-        } else {
-            section.add("wsplcd_unmanaged", "1");
-        }
-        section.add("repacd_security_unmanaged", "1");
-        break;
-    case Role::backhaul_ap:
-        section.add(backhaul_ap_options);
-        break;
-    case Role::backhaul_sta:
-        section.add(backhaul_sta_options);
-        break;
-    case Role::bridge_station:
-        break;
-    }
-}
-
 void add_wps_options(const WirelessRun &run, WifiSection &section, const Interface &interface)
 {
     if (is_without_wps(interface)) {
@@ -114,37 +35,26 @@ void add_wps_options(const WirelessRun &run, WifiSection &section, const Interfa
     if (is_main) {
         section.add("ap_setup_locked", "0");
     }
-    const bool is_unconfigured =
-        interface.wps_status_key != nullptr && config_value(interface.wps_status_key) == "1";
-    section.add("wps_state", is_unconfigured ? "1" : "2")
+    section.add("wps_state", wps_state_of(interface))
         .add("wps_config", run.scalars().WPS_CONFIG)
         .add("wps_pbc", "1");
     if (is_main) {
-        section.add("wps_device_name", cut<19>(config_value("Device_name")) + "(Wireless AP)");
+        section.add("wps_device_name", wps_device_name());
     }
-    if (run.guest_vlan() && is_main) {
-        section.add(main_guest_vlan_wps_options);
-    } else if (run.guest_vlan() && interface.is_backhaul()) {
-        section.add(backhaul_guest_vlan_wps_options);
+    if (run.guest_vlan() && (is_main || interface.is_backhaul())) {
+        section.add("wps_pbc_enable", "1");
     }
+    add_push_button_times(run, section, interface);
 }
 
-/// Whether the interface is built, but switched off.
+/// Whether the interface is built, but switched off. Satellites keep their backhaul access points,
+/// switched off where the chain ends with them.
 bool is_disabled(const Interface &interface)
 {
-    switch (interface.role) {
-    case Role::main:
-    case Role::guest:
-        return config_value(interface.radio_switch_key) == "0" ||
-               config_value("wl_hw_btn_state") == "off" ||
-               (interface.role == Role::guest && config_value(interface.guest_switch_key) == "2");
-    case Role::backhaul_ap:
+    if (interface.role == Role::backhaul_ap) {
         return config_value("repacd_Daisy_Chain_Enable") == "0" && is_base == 0;
-    case Role::backhaul_sta:
-    case Role::bridge_station:
-        break;
     }
-    return false;
+    return is_switched_off(interface);
 }
 
 void add_beamforming_options(WifiSection &section, const Interface &interface, const Radio *radio)
@@ -168,22 +78,19 @@ void add_beamforming_options(WifiSection &section, const Interface &interface, c
 void add_radio_link_options(const WirelessRun &run, WifiSection &section,
                             const Interface &interface, const Radio *radio)
 {
-    const bool is_main = interface.role == Role::main;
     section.add("doth", "1");
     if (radio == &radio_2g && config_value("bridge_mode") != "1") {
         section.add_key("disablecoext", "wl_disablecoext");
     } else {
         section.add("disablecoext", "1");
     }
-    const std::string htmode = radio == nullptr ? "" : htmode_of(*radio);
-    if (htmode == "HT80_80" || htmode == "HT160") {
+    if (has_wide_channels(radio)) {
         section.add("assocwar160", "1");
     }
-    if (is_main || interface.role == Role::backhaul_ap ||
-        (run.guest_vlan() && interface.role == Role::guest)) {
+    if (offers_measurements(run, interface)) {
         section.add("rrm", "1");
     }
-    if (is_main) {
+    if (interface.role == Role::main) {
         section.add("mcastenhance", "2");
     }
     section.add_key("rts", interface.rts_key)
@@ -195,33 +102,14 @@ void add_radio_link_options(const WirelessRun &run, WifiSection &section,
     }
 }
 
-bool is_hidden(const Interface &interface)
-{
-    return interface.broadcast_key != nullptr && config_value(interface.broadcast_key) == "0";
-}
-
-bool isolates_guests(const WirelessRun &run, const Interface &interface)
-{
-    return !run.guest_vlan() && interface.guest_access_key != nullptr &&
-           config_value(interface.guest_access_key) == "0";
-}
-
 /// Everything up to the security of the network.
 void add_network_options(const WirelessRun &run, WifiSection &section, const Interface &interface)
 {
-    section.add("device", run.hardware().device_of(run.hardware().radio_of(interface.name)));
-    if (!run.guest_vlan()) {
-        section.add("bridge", run.scalars().BRIDGE_NAME);
-    }
-    section.add("network", network_of(run, interface));
-    add_role_options(run, section, interface);
-    if (interface.band == Band::ghz_2_4) {
-        section.add_key("vht_11ng", "wl_vht_11ng").add_key("11ngvhtintop", "wl_vht_11ng");
-    }
+    add_place_options(run, section, interface);
     add_wps_options(run, section, interface);
     section.add_key("ssid", interface.ssid_key);
     add_security(section, interface, security_form);
-    section.add("hidden", is_hidden(interface) ? "1" : "0");
+    section.add("hidden", has_broadcast_value(interface, "0") ? "1" : "0");
 }
 
 } // namespace
@@ -233,7 +121,9 @@ void add_ietf_interface_options(WirelessRun &run, const Interface &interface)
     add_network_options(run, section, interface);
     add_radio_link_options(run, section, interface, radio);
     if (isolates_guests(run, interface)) {
-        section.add(isolated_guest_options);
+        section.add("isolate", "1")
+            .add("lan_restricted", "1")
+            .add("lan_ipaddr", isolated_lan_address);
     }
     section.add("bintval", "200").add("bintval", "100").add("dtim_period", "4");
     if (const InterfaceRow *row = run.hardware().interface(interface.name)) {
@@ -246,15 +136,7 @@ void add_ietf_interface_options(WirelessRun &run, const Interface &interface)
         section.add("vap_disable", "1");
     }
     add_beamforming_options(section, interface, radio);
-    if (interface.is_backhaul()) {
-        section.add_key("vie_flag", "vie_flag");
-        if (run.guest_vlan()) {
-            section.add("rept_spl", "1");
-        }
-    }
-    if (interface.role == Role::backhaul_sta && run.board(board_mesh_role) == "CAP") {
-        section.add("disabled", "1");
-    }
+    add_backhaul_options(run, section, interface);
 }
 
 } // namespace qorcfg

@@ -98,4 +98,33 @@ WifiSection &WifiSection::add_key(const char *option, const char *key)
     return key == nullptr ? *this : add(option, config_value(key));
 }
 
+WifiSection &WifiSection::add_own(const char *option)
+{
+    return add(option, own(option));
+}
+
+WifiSection &WifiSection::add_key_or_own(const char *option, const char *key)
+{
+    return key == nullptr ? add_own(option) : add_key(option, key);
+}
+
+WifiSection &WifiSection::add_fixed(const char *option, std::string_view value)
+{
+    const std::string setting = own(option);
+    return add(option, setting.empty() ? value : setting);
+}
+
+WifiSection &WifiSection::add_fixed(std::span<const FixedOption> options)
+{
+    for (const FixedOption &row : options) {
+        add_fixed(row.option, row.value);
+    }
+    return *this;
+}
+
+std::string WifiSection::own(const char *option) const
+{
+    return own_keys_.empty() ? "" : config_value(own_keys_ + option);
+}
+
 } // namespace qorcfg

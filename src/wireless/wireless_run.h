@@ -73,7 +73,12 @@ struct FixedOption {
 /// The section of a run that a builder writes, by the name that selects its option object.
 class WifiSection {
 public:
-    WifiSection(WirelessRun &run, std::string name) : run_(run), name_(std::move(name)) {}
+    /// `own_keys`, where given, is what the names of the section's own settings in the store begin
+    /// with: "<own_keys><option>" then comes before what is fixed for an option.
+    WifiSection(WirelessRun &run, std::string name, std::string own_keys = {})
+        : run_(run), name_(std::move(name)), own_keys_(std::move(own_keys))
+    {
+    }
 
     /// Writes one option, unless the value is empty.
     WifiSection &add(const char *option, std::string_view value)
@@ -81,20 +86,23 @@ public:
         run_.set_wifi_option(name_, option, value);
         return *this;
     }
-    /// Writes each row of the table.
-    WifiSection &add(std::span<const FixedOption> options)
-    {
-        for (const FixedOption &row : options) {
-            add(row.option, row.value);
-        }
-        return *this;
-    }
     /// Writes the value of a store key; nothing for a null key.
     WifiSection &add_key(const char *option, const char *key);
+    /// Writes the section's own setting of an option.
+    WifiSection &add_own(const char *option);
+    /// The same, but from `key` where it is not null.
+    WifiSection &add_key_or_own(const char *option, const char *key);
+    /// Writes an option whose value is fixed, unless the section has a setting of its own.
+    WifiSection &add_fixed(const char *option, std::string_view value);
+    /// Writes each row of the table.
+    WifiSection &add_fixed(std::span<const FixedOption> options);
 
 private:
+    std::string own(const char *option) const;
+
     WirelessRun &run_;
     std::string name_;
+    std::string own_keys_;
 };
 
 } // namespace qorcfg

@@ -31,7 +31,7 @@ void build_qcawifi(WirelessRun &run)
     section.add("atf_enable", cut<15>(config_value("atf_enable")))
         .add("thermal_analytics", run.hardware().thermal_analytics);
     if (run.guest_vlan()) {
-        section.add(guest_vlan_options);
+        section.add_fixed(guest_vlan_options);
     }
     run.nest_qcawifi();
 }
