@@ -3,6 +3,8 @@
 #include "components/components.h"
 #include "platform/file.h"
 #include "wireless/ietf_wireless.h"
+#include "wireless/nvram_wireless.h"
+#include "wireless/nvram_wireless.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -47,7 +49,7 @@ const std::array<ComponentRow, 30> components{{
     {"ietf_vlan", &ietf_vlan},
     {"ietf_outdoor_led", &ietf_outdoor_led},
     {"ietf_debug", &ietf_debug},
-    {"nvram_wireless", nullptr},
+    {"nvram_wireless", &nvram_wireless},
     {"ietf_lighttpd", &ietf_lighttpd},
     {"ietf_rae", &ietf_rae},
 }};
