@@ -106,6 +106,7 @@ int commit_wireless(const Document &document, int job)
 
 int nvram_update_wireless_all(int job)
 {
+    static WirelessModel model(board_reads);
     static constexpr WirelessBackend backend{
         nvram_radio_section,
         nvram_interface_section,
@@ -117,7 +118,7 @@ int nvram_update_wireless_all(int job)
         add_nvram_interface_options,
     };
     QORCFG_LOG(" update all wireless");
-    return update_wireless_document(nvram_wireless_model(), backend, commit_wireless, job);
+    return update_wireless_document(model, backend, commit_wireless, job);
 }
 
 // Band steering and the mesh link have no settings on this backend: their documents stay empty.
@@ -192,12 +193,6 @@ void register_()
 }
 
 } // namespace
-
-WirelessModel &nvram_wireless_model()
-{
-    static WirelessModel model(board_reads);
-    return model;
-}
 
 const Operations nvram_wireless{init, soap_init, register_};
 

@@ -10,9 +10,6 @@ namespace qorcfg {
 /// Wi-Fi settings for the stack that is configured by settings files.
 extern const Operations nvram_wireless;
 
-/// Its model of the hardware, for tests.
-WirelessModel &nvram_wireless_model();
-
 /// Names of the section of a radio and of an interface.
 std::string nvram_radio_section(const WirelessRun &run, const Radio &radio);
 std::string nvram_interface_section(const Interface &interface);

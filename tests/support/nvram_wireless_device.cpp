@@ -30,7 +30,6 @@ constexpr const char *description_end = R"(", "athinfo": [
 
 NvramWirelessDevice::NvramWirelessDevice()
 {
-    nvram_wireless_model().forget();
     std::filesystem::create_directories(path("/tmp/cache/wireless"));
     write("/tmp/etc/config/wireless", "");
     be("Base");
