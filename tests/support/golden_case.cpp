@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cctype>
 #include <gtest/gtest.h>
+#include <set>
 
 namespace qorcfg::test {
 
@@ -85,6 +86,30 @@ Files files_in(const fs::path &folder)
     return files;
 }
 
+namespace {
+
+/// Each setting of an NVRAM-side document is in its settings file. Others may be there too: nothing
+/// is ever removed.
+void expect_settings(const DeviceRoot &device, const std::string &name, json_object *document)
+{
+    const std::vector<std::string> lines = split_lines(device.read("/tmp/etc/nvram/" + name));
+    const std::set<std::string> settings(lines.begin(), lines.end());
+    for_each_member(document, [&](const char *type, json_object *sections) {
+        for_each_member(sections, [&](const char *section, json_object *options) {
+            for_each_member(options, [&](const char *option, json_object *value) {
+                std::string text = json_value_text(value);
+                std::replace_if(
+                    text.begin(), text.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
+                const std::string setting =
+                    std::string(type) + "." + section + "." + option + "=" + text;
+                EXPECT_EQ(settings.count(setting), 1U) << name << " lacks " << setting;
+            });
+        });
+    });
+}
+
+} // namespace
+
 void expect_applied(const DeviceRoot &device, const Files &files)
 {
     std::map<std::string, std::vector<Json>> packages;
@@ -94,6 +119,15 @@ void expect_applied(const DeviceRoot &device, const Files &files)
             const std::string rest = name.substr(prefix.size());
             packages[rest.substr(0, rest.find('-'))].push_back(
                 parse_json(content, JsonSyntax::strict));
+        }
+        const std::string_view nvram_prefix = "nvram-";
+        const std::string_view ending = ".json";
+        if (name.rfind(nvram_prefix, 0) == 0) {
+            const Json document = parse_json(content, JsonSyntax::strict);
+            expect_settings(
+                device,
+                name.substr(nvram_prefix.size(), name.size() - nvram_prefix.size() - ending.size()),
+                document.get());
         }
     }
     for (const auto &[package, documents] : packages) {

@@ -43,7 +43,7 @@ Files files_in(const std::filesystem::path &folder);
 
 /// Compares the packages in the device's configuration folder with the documents among `files`
 /// (uci-PACKAGE-SECTION.json): each section of theirs is there as they say, and no other section
-/// of their types.
+/// of their types. Settings of NVRAM-side documents (nvram-NAME.json) are in their settings files.
 void expect_applied(const DeviceRoot &device, const Files &files);
 
 } // namespace qorcfg::test

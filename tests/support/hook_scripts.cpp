@@ -6,12 +6,17 @@
 
 namespace qorcfg::test {
 
-void install_hook_scripts(const DeviceRoot &device)
+void install_hook_script(const DeviceRoot &device, const std::string &name)
 {
     constexpr std::size_t bound = std::size_t{1} << 20;
-    for (const char *name : {"/init.sh", "/commit.sh", "/reload.sh", "/nvram.sh"}) {
-        const auto script = read_file(std::string(QORCFG_HOOKS) + name, bound);
-        device.write_program(std::string("/etc/qorcfg.d") + name, script.value_or(""));
+    const auto script = read_file(std::string(QORCFG_HOOKS) + "/" + name, bound);
+    device.write_program("/etc/qorcfg.d/" + name, script.value_or(""));
+}
+
+void install_hook_scripts(const DeviceRoot &device)
+{
+    for (const char *name : {"init.sh", "commit.sh", "reload.sh", "nvram.sh"}) {
+        install_hook_script(device, name);
     }
     ::setenv("QORCTL", QORCTL_PROGRAM, 1);
 }
