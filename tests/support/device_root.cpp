@@ -68,6 +68,7 @@ DeviceRoot::DeviceRoot() : root_(new_scratch_folder())
     set_soap_pause([] {});
     registry().clear();
     qorcfg_change_is_trigger = 0;
+    pth_count = 0;
     be_base(true);
 }
 
