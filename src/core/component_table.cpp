@@ -4,7 +4,6 @@
 #include "platform/file.h"
 #include "wireless/ietf_wireless.h"
 #include "wireless/nvram_wireless.h"
-#include "wireless/nvram_wireless.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,5 +1,6 @@
 #include "support/nvram_wireless_device.h"
 
+#include <filesystem>
 #include <gtest/gtest.h>
 
 namespace qorcfg {

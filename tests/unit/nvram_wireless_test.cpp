@@ -2,6 +2,7 @@
 #include "support/nvram_wireless_device.h"
 #include "wireless/nvram_wireless.h"
 
+#include <filesystem>
 #include <gtest/gtest.h>
 
 namespace qorcfg {
