@@ -1,5 +1,5 @@
 #include "apply/apply.h"
-#include "sample_device.h"
+#include "support/device_root.h"
 #include "table.h"
 
 #include <sstream>

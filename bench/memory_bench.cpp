@@ -1,8 +1,8 @@
 #include "platform/file.h"
 #include "platform/key_id.h"
-#include "sample_device.h"
 #include "support/daemon.h"
 #include "support/jobs.h"
+#include "support/sample_device.h"
 #include "support/wait.h"
 #include "table.h"
 
@@ -34,7 +34,7 @@ void Memory(benchmark::State &state)
     for (auto _ : state) {
         test::Daemon daemon;
         test::DeviceRoot &device = daemon.device();
-        lay_sample_device(device);
+        test::lay_sample_device(device);
         daemon.start();
         fs::remove(device.path("/tmp/qorcfg_debug"));
         fs::remove(device.path("/etc/qorcfg.d/commit.sh"));

@@ -2,7 +2,8 @@
 #include "core/component_table.h"
 #include "core/startup.h"
 #include "engine/systeminfo.h"
-#include "sample_device.h"
+#include "silent_output.h"
+#include "support/sample_device.h"
 #include "table.h"
 
 #include <fcntl.h>
@@ -25,7 +26,7 @@ public:
     {
         silent_ = std::make_unique<SilentOutput>();
         device_ = std::make_unique<test::DeviceRoot>();
-        lay_sample_device(*device_);
+        test::lay_sample_device(*device_);
         qorcfg_change_is_trigger = 1;
         enable_listed_components(device_->path("/tmp/cache/qorcfg/qorcfg.conf"));
         init_all_systeminfo();

@@ -1,5 +1,5 @@
 #include "platform/qor_platform.h"
-#include "sample_device.h"
+#include "support/sample_device.h"
 #include "table.h"
 
 #include <array>
@@ -17,7 +17,7 @@ public:
     {
         if (state.thread_index() == 0) {
             device_ = std::make_unique<test::DeviceRoot>();
-            lay_sample_device(*device_);
+            test::lay_sample_device(*device_);
         }
     }
     void TearDown(benchmark::State &state) override

@@ -93,7 +93,8 @@ std::string text_of(const Types &types)
 } // namespace
 
 std::string applied_text(const DeviceRoot &device, const std::string &package,
-                         const std::vector<json_object *> &documents)
+                         const std::vector<json_object *> &documents,
+                         const std::set<std::string> &foreign)
 {
     UciPackage uci;
     if (uci.read(device.path("/tmp/etc/config/" + package)) != UciPackage::Read::done) {
@@ -106,6 +107,9 @@ std::string applied_text(const DeviceRoot &device, const std::string &package,
         const uci_section *section = uci_to_section(element);
         types[section->type].push_back(
             {section->anonymous ? "" : section->e.name, options_of(section)});
+    }
+    for (const std::string &type : foreign) {
+        types.erase(type);
     }
     for (json_object *document : documents) {
         for_each_member(document, [&](const char *type, json_object *container) {

@@ -3,6 +3,7 @@
 #include "engine/json.h"
 #include "support/device_root.h"
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -10,9 +11,11 @@ namespace qorcfg::test {
 
 /// The package file of the device read through libuci, as text: its sections by type, named and
 /// anonymous ones, with options and list items. Sections of a type keep their order; those that
-/// `documents` hold by name are sorted. What cannot be read gives the reason.
+/// `documents` hold by name are sorted; those of the types in `foreign`, which others keep there,
+/// are left out. What cannot be read gives the reason.
 std::string applied_text(const DeviceRoot &device, const std::string &package,
-                         const std::vector<json_object *> &documents);
+                         const std::vector<json_object *> &documents,
+                         const std::set<std::string> &foreign = {});
 
 /// The same text for a package that holds exactly what `documents` say, as far as UCI can: empty
 /// values are no options, and line breaks are blanks. Of a section that several documents hold the

@@ -1,21 +1,18 @@
-#include "sample_device.h"
+#include "support/sample_device.h"
 
 #include "core/base/globals.h"
 #include "engine/systeminfo.h"
 #include "platform/file.h"
 #include "platform/reference/store.h"
 
-#include <cstdio>
-#include <fcntl.h>
 #include <filesystem>
 #include <stdexcept>
-#include <unistd.h>
 
-namespace qorcfg::bench {
+namespace qorcfg::test {
 
 namespace fs = std::filesystem;
 
-void lay_sample_device(const test::DeviceRoot &device)
+void lay_sample_device(const DeviceRoot &device)
 {
     const fs::path sample = QORCFG_SAMPLE_DEVICE;
     for (const char *folder : {"tmp", "etc/ath"}) {
@@ -26,7 +23,7 @@ void lay_sample_device(const test::DeviceRoot &device)
     for (const auto &entry : fs::directory_iterator(sample / "defaults.d")) {
         std::vector<StoreWrite> writes;
         for (const std::string &line :
-             test::split_lines(read_file(entry.path(), std::size_t{1} << 20).value_or(""))) {
+             split_lines(read_file(entry.path(), std::size_t{1} << 20).value_or(""))) {
             const std::size_t sign = line.find('=');
             if (!line.empty() && line[0] != '#' && sign != std::string::npos) {
                 writes.push_back({line.substr(0, sign), line.substr(sign + 1)});
@@ -40,24 +37,4 @@ void lay_sample_device(const test::DeviceRoot &device)
     is_base = read_is_base();
 }
 
-SilentOutput::SilentOutput()
-    : output_(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0)),
-      errors_(::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0))
-{
-    std::fflush(nullptr);
-    const int nowhere = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
-    ::dup2(nowhere, STDOUT_FILENO);
-    ::dup2(nowhere, STDERR_FILENO);
-    ::close(nowhere);
-}
-
-SilentOutput::~SilentOutput()
-{
-    std::fflush(nullptr);
-    ::dup2(output_, STDOUT_FILENO);
-    ::dup2(errors_, STDERR_FILENO);
-    ::close(output_);
-    ::close(errors_);
-}
-
-} // namespace qorcfg::bench
+} // namespace qorcfg::test
