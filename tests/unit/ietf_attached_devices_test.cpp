@@ -1,5 +1,6 @@
 #include "components/components.h"
 
+#include "core/base/hooks.h"
 #include "engine/json.h"
 #include "platform/key_id.h"
 #include "platform/qor_platform.h"
@@ -265,6 +266,13 @@ TEST_F(IetfAttachedDevicesTest, TheFirstTypeLineOfADeviceCountsAndItsAddressAsTe
     EXPECT_EQ(devices(), listing(R"({"device_mac":"aa:00:00:00:00:01","device_type_v2":"tv"})"));
 }
 
+TEST_F(IetfAttachedDevicesTest, SeventeenCharactersOfATypeLinesFirstTokenCount)
+{
+    device_.set(
+        {{"kova_dev_type_zltx1", mac + "-old 0 1"}, {"kova_dev_name_zltx1", mac + " tv TV"}});
+    EXPECT_EQ(devices(), listing(R"({"device_mac":"00:11:22:33:44:55","device_type":"tv"})"));
+}
+
 TEST_F(IetfAttachedDevicesTest, AReportWithoutNameOrTypeClearsThem)
 {
     device_.set({{"kova_dev_name_zltx1", mac + " tv TV"},
@@ -289,7 +297,9 @@ TEST_F(IetfAttachedDevicesTest, TheTypeFileHoldsTheStoresLines)
     device_.set({{"kova_dev_type_zltx1", mac + " 1 0"},
                  {"kova_dev_type_zltx2", " anything\tat all"},
                  {"kova_dev_type_zltx4", "behind the end"}});
+    const mode_t umask = ::umask(077);
     devices();
+    ::umask(umask);
     EXPECT_EQ(device_.read(type_file), mac + " 1 0\n anything\tat all\n");
     struct stat info {};
     ASSERT_EQ(::stat(device_.path("/tmp/cache/netscan").c_str(), &info), 0);
@@ -330,6 +340,9 @@ TEST_F(IetfAttachedDevicesTest, TheSoapClientsFileGetsTheNameUnescaped)
                                   "  }\n"
                                   "}");
     EXPECT_EQ(device_.names_in(soap_folder), Lines{mac});
+    struct stat info {};
+    ASSERT_EQ(::stat(device_.path(file).c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 07777, 0644U);
 }
 
 TEST_F(IetfAttachedDevicesTest, TheSoapClientsFileIsExtendedButNeverMade)
@@ -340,6 +353,18 @@ TEST_F(IetfAttachedDevicesTest, TheSoapClientsFileIsExtendedButNeverMade)
     EXPECT_EQ(device_.names_in(soap_folder), Lines{mac});
     const Json file = parse_json(device_.read(soap_folder + mac), JsonSyntax::strict);
     EXPECT_EQ(json_compact_text(file.get()), R"({"custom name":"TV"})");
+}
+
+TEST_F(IetfAttachedDevicesTest, TheNameOfASoapClientsFileIsCutAt127Characters)
+{
+    const std::string longest = mac + std::string(127 - soap_folder.size() - mac.size(), 'x');
+    for (const std::string &name : {longest, longest + 'x'}) {
+        device_.write(soap_folder + name, "{}");
+    }
+    device_.set({{"kova_dev_name1", longest + "x TV"}});
+    EXPECT_EQ(devices(), listing(R"({"device_mac":"00:11:22:33:44:55","device_name":"TV"})"));
+    EXPECT_THAT(device_.read(soap_folder + longest), HasSubstr("TV"));
+    EXPECT_EQ(device_.read(soap_folder + longest + 'x'), "{}");
 }
 
 TEST_F(IetfAttachedDevicesTest, ASoapClientsFileThatIsNoObjectIsLeftAlone)
@@ -401,6 +426,19 @@ TEST_F(IetfAttachedDevicesTest, EachNameTellsTheSatellitesWithItsOwnWord)
     EXPECT_EQ(device_.killall_calls(), (Lines{"-SIGUSR1 soap_agent", "-SIGUSR1 soap_agent"}));
     device_.apply({"kova_dev_name_zltx", "kova_dev_type_zltx", "kova_hid_mac"}, 3);
     EXPECT_EQ(device_.killall_calls().size(), 2U);
+}
+
+TEST_F(IetfAttachedDevicesTest, EachWordIsLoggedBeforeItIsSent)
+{
+    static const DeviceRoot *device;
+    static Lines last;
+    device = &device_;
+    last.clear();
+    set_soap_pause([] { last.push_back(device->log().back()); });
+    device_.enable(ietf_attached_devices);
+    device_.apply({"kova_dev_name"}, 1);
+    device_.apply({"set_zltx_dev_name"}, 2);
+    EXPECT_EQ(last, (Lines{"Send soap KovaDevName", "Send soap ZeltraxDeviceName"}));
 }
 
 TEST_F(IetfAttachedDevicesTest, SatellitesAreToldInTheOrderOfTheChanges)

@@ -103,6 +103,18 @@ TEST_F(IetfOutdoorLedTest, TheActionAndEachMethodAreLogged)
                      "send soap for SetLightingLEDOnPeriodByIndex"}));
 }
 
+TEST_F(IetfOutdoorLedTest, EachMethodIsLoggedBehindItsPause)
+{
+    static const DeviceRoot *device;
+    device = &device_;
+    sent.clear();
+    set_soap_pause([] { sent.push_back(device->log().back()); });
+    device_.apply({"led_light", "Location"}, 1, 2);
+    EXPECT_EQ(sent, (Lines{" update update_outdoor_led_soap my action is 2",
+                           "send soap for SetLightingLEDSettings"}));
+    EXPECT_EQ(device_.log().back(), "send soap for SetDeviceLocation");
+}
+
 TEST_F(IetfOutdoorLedTest, APeriodIsSetWhenItIsCreatedOrChanged)
 {
     EXPECT_EQ(words({"led_time_schedule"}, 0), Lines{"SetLightingLEDOnPeriodByIndex"});

@@ -1,5 +1,6 @@
 #include "components/components.h"
 
+#include "core/base/hooks.h"
 #include "platform/key_id.h"
 #include "platform/qor_platform.h"
 #include "support/device_root.h"
@@ -137,6 +138,20 @@ TEST_F(IetfQoraclTest, SatellitesAreToldOnceHoweverManyKeysChanged)
     EXPECT_EQ(std::count(log.begin(), log.end(), "qoracl send soap AccessControl"), 1);
 }
 
+TEST_F(IetfQoraclTest, TheTellingIsLoggedWhenItIsDone)
+{
+    static const DeviceRoot *device;
+    static std::string last;
+    device = &device_;
+    set_soap_pause([] { last = device->log().back(); });
+    device_.enable(ietf_qoracl);
+    ChangedKeys keys;
+    keys.append(config_key_id("access_control"));
+    EXPECT_EQ(registry().find(config_key_id("access_control"))->soap.at(0)(&keys, 2), 0);
+    EXPECT_EQ(last, " update qoracl_soap_update");
+    EXPECT_EQ(device_.log().back(), "qoracl send soap AccessControl");
+}
+
 TEST_F(IetfQoraclTest, EachKeyAloneTellsTheSatellites)
 {
     device_.enable(ietf_qoracl);
@@ -171,7 +186,7 @@ TEST_F(IetfQoraclTest, TheGuestScheduleSubscribesItsOneKeyAndTellsNobody)
 TEST_F(IetfQoraclTest, GuestSettingsAreCutToTheirFields)
 {
     device_.set({{"wlg1_endis_guestNet", "12"},
-                 {"wla1_endis_guestNet", "0"},
+                 {"wla1_endis_guestNet", "01"},
                  {"guest_schedule", "12345678"}});
     device_.enable(ietf_qoracl_guest_sche);
     device_.clear_log();
