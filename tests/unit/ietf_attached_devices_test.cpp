@@ -327,6 +327,7 @@ TEST_F(IetfAttachedDevicesTest, TheSoapClientsFileGetsTheNameUnescaped)
 {
     const std::string file = soap_folder + mac;
     device_.write(file, R"({"mac":"x","custom name":"old","n":{"a":[1]}})");
+    ASSERT_EQ(::chmod(device_.path(file).c_str(), 0640), 0);
     device_.set({{"kova_dev_name1", mac + R"( Anna "TV" <&>)"}});
     EXPECT_EQ(devices(), listing(R"({"device_mac":"00:11:22:33:44:55",)"
                                  R"("device_name":"Anna &#34;TV&#34; &lt;&#38;&gt;"})"));
@@ -342,7 +343,7 @@ TEST_F(IetfAttachedDevicesTest, TheSoapClientsFileGetsTheNameUnescaped)
     EXPECT_EQ(device_.names_in(soap_folder), Lines{mac});
     struct stat info {};
     ASSERT_EQ(::stat(device_.path(file).c_str(), &info), 0);
-    EXPECT_EQ(info.st_mode & 07777, 0644U);
+    EXPECT_EQ(info.st_mode & 07777, 0640U);
 }
 
 TEST_F(IetfAttachedDevicesTest, TheSoapClientsFileIsExtendedButNeverMade)

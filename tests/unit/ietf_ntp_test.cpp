@@ -109,6 +109,20 @@ TEST(IetfNtpTest, AnotherKeySendsNothing)
     EXPECT_FALSE(device.lines(1, "system", "ntp").empty());
 }
 
+TEST(IetfNtpTest, WithoutOneOfItsKeysTheSoapCallbackTellsNobody)
+{
+    const DeviceRoot device;
+    device.enable(ietf_ntp);
+    const SoapCallback callback = registry().find(config_key_id("time_zone"))->soap.at(0);
+    ChangedKeys keys;
+    keys.append(config_key_id("endis_ntp"));
+    EXPECT_EQ(callback(&keys, 2), 0);
+    EXPECT_EQ(device.killall_calls(), Lines{});
+    keys.append(config_key_id("time_zone"));
+    EXPECT_EQ(callback(&keys, 2), 0);
+    EXPECT_EQ(device.killall_calls().size(), 1U);
+}
+
 TEST(IetfNtpTest, ASatelliteWritesTheSectionsAndSendsNothing)
 {
     const DeviceRoot device;

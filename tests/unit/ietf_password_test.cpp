@@ -93,6 +93,20 @@ TEST(IetfPasswordTest, AUserNameAloneSendsNothing)
               (Lines{"set users.http=users", "set users.http.username=admin"}));
 }
 
+TEST(IetfPasswordTest, WithoutOneOfItsKeysTheSoapCallbackTellsNobody)
+{
+    const DeviceRoot device;
+    device.enable(ietf_password);
+    const SoapCallback callback = registry().find(config_key_id("PWD_answer"))->soap.at(0);
+    ChangedKeys keys;
+    keys.append(config_key_id("http_username"));
+    EXPECT_EQ(callback(&keys, 2), 0);
+    EXPECT_EQ(device.killall_calls(), Lines{});
+    keys.append(config_key_id("PWD_answer"));
+    EXPECT_EQ(callback(&keys, 2), 0);
+    EXPECT_EQ(device.killall_calls().size(), 1U);
+}
+
 TEST(IetfPasswordTest, ASatelliteWritesAndSendsNothing)
 {
     const DeviceRoot device;
