@@ -119,6 +119,25 @@ TEST_F(SettingsTest, PortForwardingAndTriggeringShareASectionAndTheLastToRunLeav
         << package("firewall");
 }
 
+TEST_F(SettingsTest, SettingsOfAnOutdoorUnitReachTheAgentInTheOrderOfItsTable)
+{
+    // Notes beside each signal the word that the agent would find.
+    device_.write_program("/bin/killall",
+                          "#!/bin/sh\necho \"$* $(\"$QORCTL\" get soap_setting)\" >>" +
+                              device_.path("/tmp/killall_calls") + "\n");
+    start_with({"ietf_outdoor_led"}, "led_light=1\nled_time_schedule=1\nmac_led_index=m-0\n");
+    EXPECT_EQ(device_.killall_calls(), std::vector<std::string>{});
+    change({"Location=Garden", "led_light=0"});
+    qorctl({"unset", "led_time_schedule"});
+    qorctl({"commit", "--wait"});
+    EXPECT_EQ(device_.killall_calls(),
+              (std::vector<std::string>{"-SIGUSR1 soap_agent SetLightingLEDSettings",
+                                        "-SIGUSR1 soap_agent SetDeviceLocation",
+                                        "-SIGUSR1 soap_agent DeleteLightingLEDOnAllPeriod"}));
+    EXPECT_EQ(daemon_.stop().status, 0);
+    EXPECT_EQ(device_.names_in("/tmp/cache/qorcfg/ucicfg.d"), std::vector<std::string>{});
+}
+
 TEST_F(SettingsTest, JobsWhoseScriptsRunInTheWrongOrderAreAppliedInTheirs)
 {
     start_with({"ietf_ddns"}, "endis_ddns=1\nsysDNSProviderlist=ZELTRAX\n");
