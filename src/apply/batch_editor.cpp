@@ -232,6 +232,7 @@ bool BatchEditor::add_section(const BatchLine &line)
 
 bool BatchEditor::place_addition(std::optional<std::size_t> place)
 {
+    placed_.reset();
     if (!addition_) {
         return true;
     }
@@ -263,9 +264,16 @@ uci_section *BatchEditor::section_of(const BatchLine &line)
     const std::size_t place = line.position.value_or(0);
     if (addition_ && addition_->type == line.section) {
         uci_section *section = addition_->section;
-        return place_addition(place) ? section : nullptr;
+        if (!place_addition(place)) {
+            return nullptr;
+        }
+        placed_ = Placed{section, line.section, place};
+        return section;
     }
-    return places_.at(line.section, place);
+    // Where the package has fewer sections than its writer thought, the new one stands before the
+    // place that its lines name.
+    const bool added = placed_ && placed_->type == line.section && placed_->place == place;
+    return added ? placed_->section : places_.at(line.section, place);
 }
 
 bool BatchEditor::change_option(const BatchLine &line)

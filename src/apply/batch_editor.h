@@ -48,6 +48,12 @@ private:
         std::string_view type;
         std::optional<std::size_t> place; ///< of the deleted section that it seems to follow
     };
+    /// The section that was added last, and the place that its lines have named since.
+    struct Placed {
+        uci_section *section;
+        std::string_view type;
+        std::size_t place;
+    };
     struct TypeCounts {
         std::vector<std::size_t> deleted; ///< places, in ascending order
         std::size_t added = 0;
@@ -78,6 +84,7 @@ private:
     UciPackage &package_;
     SectionPlaces places_;
     std::optional<Addition> addition_;
+    std::optional<Placed> placed_;
     std::map<std::string_view, TypeCounts> counts_;
     /// Sections that were emptied instead of deleted, since a later line makes them again.
     std::unordered_set<uci_section *> emptied_;

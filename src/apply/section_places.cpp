@@ -44,6 +44,9 @@ void SectionPlaces::move_last_to(std::string_view type, std::size_t place)
 
 void SectionPlaces::remove(const std::unordered_set<uci_section *> &gone)
 {
+    if (gone.empty()) {
+        return;
+    }
     for (auto &[type, sections] : types_) {
         sections.erase(
             std::remove_if(sections.begin(), sections.end(),

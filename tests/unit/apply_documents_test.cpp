@@ -185,6 +185,18 @@ TEST_F(ApplyDocumentsTest, AnAddedSectionGoesToThePlaceThatItsLinesName)
                          "config r\n\toption p 'd'\n\nconfig r\n\nconfig r\n\toption p 'last'\n\n");
 }
 
+TEST_F(ApplyDocumentsTest, AnAddedSectionKeepsAllItsOptionsWhereThePackageIsShorterThanThought)
+{
+    set_package("config r\n\toption p 'a'\n");
+    batch("uci_update1.net.part", "add net r\nset net.@r[5].p=b\nset net.@r[5].q=1\n"
+                                  "add_list net.@r[5].l=x\nadd net r\nset net.@r[6].p=c\n"
+                                  "set net.@r[6].q=\nset net.@r[6].r=2\n");
+    EXPECT_TRUE(apply_job(1)) << errors;
+    EXPECT_EQ(package(), "\nconfig r\n\toption p 'a'\n\nconfig r\n\toption p 'b'\n"
+                         "\toption q '1'\n\tlist l 'x'\n\nconfig r\n\toption p 'c'\n"
+                         "\toption r '2'\n\n");
+}
+
 TEST_F(ApplyDocumentsTest, AFileHoldsOneTransactionAfterTheOther)
 {
     for (const char *elements : {R"({"p":"1"},{"p":"2"},{"p":"3"})", R"({"p":"1"},{"p":"x"})",
