@@ -109,18 +109,38 @@ const BatchFile *newest(const std::vector<BatchFile> &files, Condition condition
 /// The groups of files that are applied one after the other.
 enum Group { cut_off, earlier_runs, start_up, jobs, not_now };
 
+/// Where the circle of job numbers ends.
+int latest_job(const std::vector<BatchFile> &files, const BatchSelection &selection)
+{
+    if (selection.latest_job) {
+        if (const auto known = selection.latest_job()) {
+            const bool behind = selection.kind == Kind::job && is_newer_job(selection.job, *known);
+            return behind ? selection.job : *known;
+        }
+    }
+    // The file that was written last may be of an older job than another: jobs overlap.
+    int job = selection.job;
+    if (selection.kind != Kind::job) {
+        const BatchFile *last =
+            newest(files, [](const BatchFile &file) { return file.job.has_value(); });
+        job = last == nullptr ? 0 : *last->job;
+    }
+    int ahead = 0;
+    for (const BatchFile &file : files) {
+        if (file.job && is_newer_job(*file.job, job)) {
+            ahead = std::max(ahead, jobs_since(job, *file.job));
+        }
+    }
+    return job % last_job_number + ahead;
+}
+
 /// Puts each file into its group.
 class Grouping {
 public:
     Grouping(const std::vector<BatchFile> &files, const BatchSelection &selection)
-        : selection_(selection), job_(selection.job),
+        : selection_(selection), latest_job_(latest_job(files, selection)),
           newest_start_up_(newest(files, [](const BatchFile &file) { return !file.job; }))
     {
-        if (selection.kind == Kind::everything) {
-            const BatchFile *last =
-                newest(files, [](const BatchFile &file) { return file.job.has_value(); });
-            job_ = last == nullptr ? 0 : *last->job;
-        }
     }
 
     Group of(const BatchFile &file) const
@@ -136,20 +156,21 @@ public:
             (newest_start_up_ != nullptr && time_of(file) < time_of(*newest_start_up_))) {
             return earlier_runs;
         }
-        const bool later = selection_.kind == Kind::job && is_newer_job(*file.job, job_);
+        const bool later =
+            selection_.kind == Kind::job && is_newer_job(*file.job, selection_.job, latest_job_);
         return later ? not_now : jobs;
     }
 
     auto key(const BatchFile &file) const
     {
         const Group group = of(file);
-        return std::tuple(group, group == jobs ? -jobs_since(*file.job, job_) : 0, time_of(file),
-                          std::string_view(file.name));
+        return std::tuple(group, group == jobs ? -jobs_since(*file.job, latest_job_) : 0,
+                          time_of(file), std::string_view(file.name));
     }
 
 private:
-    BatchSelection selection_;
-    int job_;
+    const BatchSelection &selection_;
+    int latest_job_;
     const BatchFile *newest_start_up_;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <ctime>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -39,6 +40,9 @@ struct BatchSelection {
     };
     Kind kind = Kind::everything;
     int job = 0;
+    /// Tells the latest job that was numbered, if that is known. Asked once the files have been
+    /// listed, so that no file's job is newer.
+    std::function<std::optional<int>()> latest_job = nullptr;
 };
 
 /// All batch files of both folders. A folder that does not exist holds none; false and `error` when
@@ -47,8 +51,8 @@ bool find_batch_files(std::vector<BatchFile> &files, std::string &error);
 
 /// Those of `files` that the selection names, in the order in which they are to be applied: first
 /// those whose application was cut off; then left-over files of earlier runs of the daemon; then
-/// start-up files; then jobs by number, which goes round in a circle, and files of one job by the
-/// time of their last write.
+/// start-up files; then jobs by number, which goes round in a circle that ends with the latest job,
+/// and files of one job by the time of their last write.
 std::vector<BatchFile> in_order(std::vector<BatchFile> files, const BatchSelection &selection);
 
 } // namespace qorcfg

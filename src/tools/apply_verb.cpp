@@ -1,6 +1,7 @@
 #include "apply/apply.h"
 #include "platform/job_number.h"
 #include "tools/arguments.h"
+#include "tools/jobs.h"
 #include "tools/verbs.h"
 
 #include <CLI/CLI.hpp>
@@ -27,6 +28,14 @@ std::optional<int> job_number(const std::string &text)
     return good ? std::optional(job) : std::nullopt;
 }
 
+/// The latest job that the daemon has numbered since its start, as far as it is known.
+std::optional<int> latest_job()
+{
+    const auto state = read_jobs();
+    const bool good = state && state->last >= 0 && state->last <= last_job_number;
+    return good ? std::optional(state->last) : std::nullopt;
+}
+
 int apply(Session &session, const ApplyOptions &options)
 {
     BatchSelection selection;
@@ -43,6 +52,7 @@ int apply(Session &session, const ApplyOptions &options)
         }
         selection = {BatchSelection::Kind::job, *job};
     }
+    selection.latest_job = latest_job;
     const bool done = options.dry_run ? preview_batches(selection, session.out, session.err)
                                       : apply_batches(selection, session.err);
     return done ? exit_done : exit_failed;

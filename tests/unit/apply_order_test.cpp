@@ -69,6 +69,39 @@ TEST_F(ApplyOrderTest, NumbersGoRoundInACircle)
     EXPECT_EQ(items(), (Lines{"4000", "4097", "1", "2", "3"}));
 }
 
+TEST_F(ApplyOrderTest, FilesOfOverlappingJobsComeByTheirNumbersWhicheverWasWrittenLast)
+{
+    add("uci_update4.net.a", "4");
+    add("uci_update6.net.a", "6");
+    add("uci_update5.net.a", "5");
+    EXPECT_TRUE(apply()) << errors;
+    EXPECT_EQ(items(), (Lines{"4", "5", "6"}));
+}
+
+TEST_F(ApplyOrderTest, AgesAreCountedBackFromTheLatestJobWhereItIsKnown)
+{
+    add("uci_update10.net.a", "10");
+    add("uci_update2100.net.a", "2100");
+    add("uci_update2102.net.a", "2102");
+    add("uci_update2101.net.a", "2101");
+    const auto latest = [] { return 2102; };
+    EXPECT_TRUE(apply({Kind::job, 2101, latest})) << errors;
+    EXPECT_EQ(items(), (Lines{"10", "2100", "2101"}));
+    EXPECT_EQ(files(), Lines{"uci_update2102.net.a"});
+
+    add("uci_update2103.net.a", "2103");
+    EXPECT_TRUE(apply({Kind::everything, 0, [] { return 2103; }})) << errors;
+    EXPECT_EQ(items(), (Lines{"10", "2100", "2101", "2102", "2103"}));
+}
+
+TEST_F(ApplyOrderTest, AJobThatWasNotYetKnownIsTheLatest)
+{
+    add("uci_update2.net.a", "2");
+    add("uci_update3.net.a", "3");
+    EXPECT_TRUE(apply({Kind::job, 3, [] { return 2; }})) << errors;
+    EXPECT_EQ(items(), (Lines{"2", "3"}));
+}
+
 TEST_F(ApplyOrderTest, StartUpTakesLeftOverJobsFirstWhateverTheirNumbers)
 {
     add("uci_update900.net.a", "900");

@@ -23,6 +23,23 @@ TEST_F(QorctlApply, AJobTakesOlderJobsAlongAndLeavesNewerOnes)
     EXPECT_TRUE(device.exists(std::string(folder) + "uci_update3.net.a"));
 }
 
+TEST_F(QorctlApply, TheLatestJobThatTheDaemonHasNumberedTellsWhichFilesAreOld)
+{
+    batch("uci_update1000.net.a", "set net.s=t\nset net.s.a=old\n");
+    batch("uci_update100.net.a", "set net.s.a=new\n");
+    write("/tmp/cache/qorcfg/jobs.json", R"({"last": 100, "running": [], "ended": 99})");
+    const auto end = run({"apply", "100"});
+    EXPECT_EQ(end.status, 0) << end.err;
+    EXPECT_EQ(package(), "\nconfig t 's'\n\toption a 'new'\n\n");
+
+    batch("uci_update101.net.a", "set net.s.b=1\n");
+    batch("uci_update1500.net.a", "set net.s.b=2\n");
+    write("/tmp/cache/qorcfg/jobs.json", R"({"last": 101, "running": [], "ended": 99})");
+    EXPECT_EQ(run({"apply", "101"}).status, 0);
+    EXPECT_EQ(package(), "\nconfig t 's'\n\toption a 'new'\n\toption b '1'\n\n");
+    EXPECT_FALSE(device.exists(std::string(folder) + "uci_update1500.net.a"));
+}
+
 TEST_F(QorctlApply, StartupTakesLeftOverFilesAndThenThoseOfTheStart)
 {
     batch("uci_update7.net.a", "set net.s=t\nset net.s.a=old\n");
