@@ -99,7 +99,11 @@ bool PackageFile::lock_file()
     // Shared while the package is read and changed: libuci takes a shared lock of its own for that.
     lock_ = lock_current_file(path_, O_RDONLY, LOCK_SH);
     if (!lock_) {
-        return errno == ENOENT || fail(path_, errno);
+        // A link that leads nowhere is no missing file: it cannot be made here.
+        const int error = errno;
+        struct stat info {};
+        const bool link = ::lstat(path_.c_str(), &info) == 0 && S_ISLNK(info.st_mode);
+        return (error == ENOENT && !link) || fail(path_, error);
     }
     return ::stat(path_.c_str(), &seen_) == 0 || fail(path_, errno);
 }

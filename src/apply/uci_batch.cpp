@@ -30,7 +30,9 @@ public:
         }
         const auto text = read_file(file_.path(), batch_bound);
         if (!text) {
-            return wait(std::string("cannot be read: ") + std::strerror(errno));
+            const int error = errno;
+            const std::string reason = std::string("cannot be read: ") + std::strerror(error);
+            return error == EFBIG ? fail(reason) : wait(reason); // it does not get smaller
         }
         if (!is_package_name(file_.target)) {
             return fail("no package has such a name");

@@ -107,6 +107,32 @@ TEST_F(ApplyFailureTest, ADamagedPackageStaysAndItsBatchIsPutAside)
     EXPECT_EQ(device.names_in("/tmp/etc/config"), (Lines{"net", "other"}));
 }
 
+TEST_F(ApplyFailureTest, ALinkThatLeadsNowhereIsToldAndTheBatchKept)
+{
+    const std::string link = device.path("/tmp/etc/config/net");
+    std::filesystem::create_symlink("../../../flash/net", link);
+    batch("uci_update1.net.part", "set net.s=t\n");
+    EXPECT_FALSE(apply_job(1));
+    EXPECT_TRUE(reports(link + ": No such file or directory; nothing is changed")) << errors;
+    EXPECT_EQ(files(), Lines{"claimed.uci_update1.net.part"});
+    EXPECT_EQ(device.names_in("/tmp/etc/config"), Lines{"net"});
+    device.write("/flash/net", "");
+    EXPECT_TRUE(apply()) << errors;
+    EXPECT_EQ(package(), "\nconfig t 's'\n\n");
+}
+
+TEST_F(ApplyFailureTest, ABatchAboveTheBoundIsPutAsideAndLaterOnesGoOn)
+{
+    batch("uci_update1.net.part", "");
+    std::filesystem::resize_file(device.path(folder) + "uci_update1.net.part",
+                                 (std::uintmax_t{64} << 20) + 1);
+    batch("uci_update2.net.part", "set net.s=t\n");
+    EXPECT_FALSE(apply_job(2));
+    EXPECT_TRUE(reports("uci_update1.net.part: cannot be read: File too large")) << errors;
+    EXPECT_EQ(package(), "\nconfig t 's'\n\n");
+    EXPECT_EQ(files(), Lines{"failed.uci_update1.net.part"});
+}
+
 TEST_F(ApplyFailureTest, AFullDiskLeavesPackageAndBatchesForTheNextRun)
 {
     lay();
