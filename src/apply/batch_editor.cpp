@@ -27,7 +27,15 @@ std::string shown_section(const BatchLine &line)
 
 } // namespace
 
-BatchEditor::BatchEditor(UciPackage &package) : package_(package), places_(package.get()) {}
+BatchEditor::BatchEditor(UciPackage &package) : package_(package) {}
+
+SectionPlaces &BatchEditor::places()
+{
+    if (!places_) {
+        places_.emplace(package_.get());
+    }
+    return *places_;
+}
 
 void BatchEditor::fault(std::size_t line, std::string reason)
 {
@@ -90,9 +98,7 @@ void BatchEditor::run_transaction(const Commands &deletions, const Commands &set
     for (const Command &command : settings) {
         run_setting(command);
     }
-    if (!place_addition({})) {
-        fault(settings.back().number, reason_);
-    }
+    place_addition({});
     delete_unless_made_again();
 }
 
@@ -101,14 +107,14 @@ uci_section *BatchEditor::deleted_section(const BatchLine &line, Deletions &dele
     const auto is_gone = [&](uci_section *section) { return deletions.gone.count(section) != 0; };
     if (line.by_type && !line.position) {
         std::size_t &place = deletions.first_left[line.section];
-        while (places_.at(line.section, place) != nullptr &&
-               is_gone(places_.at(line.section, place))) {
+        while (places().at(line.section, place) != nullptr &&
+               is_gone(places().at(line.section, place))) {
             ++place;
         }
-        return places_.at(line.section, place);
+        return places().at(line.section, place);
     }
     uci_section *section =
-        line.by_type ? places_.at(line.section, *line.position) : package_.find(line.section);
+        line.by_type ? places().at(line.section, *line.position) : package_.find(line.section);
     return section != nullptr && !is_gone(section) ? section : nullptr;
 }
 
@@ -152,7 +158,9 @@ void BatchEditor::delete_all(const Commands &deletions, const Names &made_again)
             fault(command->number, package_.error());
         }
     }
-    places_.remove(gone);
+    if (places_) {
+        places_->remove(gone);
+    }
     for (const auto &[command, section] : targets) {
         if (command->line.option.empty() && gone.count(section) != 0 &&
             !package_.delete_section(section)) {
@@ -164,7 +172,9 @@ void BatchEditor::delete_all(const Commands &deletions, const Names &made_again)
 
 void BatchEditor::delete_unless_made_again()
 {
-    places_.remove(emptied_);
+    if (places_) {
+        places_->remove(emptied_);
+    }
     for (uci_section *section : std::exchange(emptied_, {})) {
         package_.delete_section(section);
     }
@@ -189,21 +199,21 @@ void BatchEditor::run_setting(const Command &command)
 
 bool BatchEditor::make_section(const BatchLine &line)
 {
-    if (!place_addition({})) {
-        return false;
-    }
+    place_addition({});
     uci_section *section = package_.find(line.section);
     if (section == nullptr) {
         section = package_.make_section(line.section, line.value);
         if (section == nullptr) {
             return fail(package_.error());
         }
-        places_.append(section);
+        if (places_) {
+            places_->append(section);
+        }
     } else if (line.value != section->type) {
         if (!package_.set_type(section, line.value)) {
             return fail(package_.error());
         }
-        places_ = SectionPlaces(package_.get());
+        places_.reset();
     }
     emptied_.erase(section);
     last_found_ = section;
@@ -212,14 +222,14 @@ bool BatchEditor::make_section(const BatchLine &line)
 
 bool BatchEditor::add_section(const BatchLine &line)
 {
-    if (!place_addition({})) {
-        return false;
-    }
+    place_addition({});
     uci_section *section = package_.add_section(line.section);
     if (section == nullptr) {
         return fail(package_.error());
     }
-    places_.append(section);
+    if (places_) {
+        places_->append(section);
+    }
     TypeCounts &count = counts_[line.section];
     std::optional<std::size_t> place;
     if (count.added < count.deleted.size()) {
@@ -230,11 +240,11 @@ bool BatchEditor::add_section(const BatchLine &line)
     return true;
 }
 
-bool BatchEditor::place_addition(std::optional<std::size_t> place)
+void BatchEditor::place_addition(std::optional<std::size_t> place)
 {
     placed_.reset();
     if (!addition_) {
-        return true;
+        return;
     }
     const Addition added = *std::exchange(addition_, {});
     if (!place) {
@@ -242,15 +252,10 @@ bool BatchEditor::place_addition(std::optional<std::size_t> place)
         // added in the same order, so it comes for the next one that was deleted.
         place = added.place;
     }
-    const std::size_t last = places_.count(added.type) - 1;
-    if (!place || *place >= last) {
-        return true;
+    if (place && *place + 1 < places().count(added.type)) {
+        package_.move_before(added.section, places().at(added.type, *place));
+        places().move_last_to(added.type, *place);
     }
-    if (!package_.move_before(added.section, places_.at(added.type, *place))) {
-        return fail(package_.error());
-    }
-    places_.move_last_to(added.type, *place);
-    return true;
 }
 
 uci_section *BatchEditor::section_of(const BatchLine &line)
@@ -264,16 +269,14 @@ uci_section *BatchEditor::section_of(const BatchLine &line)
     const std::size_t place = line.position.value_or(0);
     if (addition_ && addition_->type == line.section) {
         uci_section *section = addition_->section;
-        if (!place_addition(place)) {
-            return nullptr;
-        }
+        place_addition(place);
         placed_ = Placed{section, line.section, place};
         return section;
     }
     // Where the package has fewer sections than its writer thought, the new one stands before the
     // place that its lines name.
     const bool added = placed_ && placed_->type == line.section && placed_->place == place;
-    return added ? placed_->section : places_.at(line.section, place);
+    return added ? placed_->section : places().at(line.section, place);
 }
 
 bool BatchEditor::change_option(const BatchLine &line)

@@ -76,13 +76,14 @@ private:
     bool change_option(const BatchLine &line);
     uci_section *section_of(const BatchLine &line);
     /// Puts the section that was added last to a place among those of its type.
-    bool place_addition(std::optional<std::size_t> place);
+    void place_addition(std::optional<std::size_t> place);
+    SectionPlaces &places();
 
     void fault(std::size_t line, std::string reason);
     bool fail(std::string reason);
 
     UciPackage &package_;
-    SectionPlaces places_;
+    std::optional<SectionPlaces> places_; ///< none until the next look after a change of types
     std::optional<Addition> addition_;
     std::optional<Placed> placed_;
     std::map<std::string_view, TypeCounts> counts_;

@@ -191,18 +191,17 @@ bool UciPackage::delete_section(uci_section *section)
     return done(uci_delete(context_.get(), &ptr));
 }
 
-bool UciPackage::move_before(uci_section *section, const uci_section *before)
+void UciPackage::move_before(uci_section *section, uci_section *before)
 {
-    int position = 0;
-    uci_element *element = nullptr;
-    uci_foreach_element(&package_->sections, element)
-    {
-        if (uci_to_section(element) == before) {
-            break;
-        }
-        ++position;
-    }
-    return done(uci_reorder_section(context_.get(), section, position));
+    // libuci's own call counts the sections from the first one: with thousands of them to place,
+    // that takes seconds. Nothing but the list knows of the order.
+    uci_list &link = section->e.list;
+    link.prev->next = link.next;
+    link.next->prev = link.prev;
+    link.next = &before->e.list;
+    link.prev = before->e.list.prev;
+    link.prev->next = &link;
+    link.next->prev = &link;
 }
 
 bool UciPackage::check_value(std::string_view option, std::string_view value)

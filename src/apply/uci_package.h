@@ -36,7 +36,7 @@ public:
     bool set_type(uci_section *section, std::string_view type);
     bool delete_section(uci_section *section);
     /// Puts a section to the place that `before` has.
-    bool move_before(uci_section *section, const uci_section *before);
+    void move_before(uci_section *section, uci_section *before);
 
     /// An empty value is no value: it removes the option.
     bool set_option(uci_section *section, std::string_view option, std::string_view value);

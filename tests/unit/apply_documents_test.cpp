@@ -197,6 +197,17 @@ TEST_F(ApplyDocumentsTest, AnAddedSectionKeepsAllItsOptionsWhereThePackageIsShor
                          "\toption r '2'\n\n");
 }
 
+TEST_F(ApplyDocumentsTest, PlacesFollowASectionThatChangesItsType)
+{
+    set_package("config r\n\toption p 'a'\nconfig r 's'\nconfig u\n\toption p 'b'\n");
+    batch("uci_update1.net.part", "set net.@r[1].o=1\nset net.s=u\nset net.@u[0].q=1\n"
+                                  "add net u\nset net.@u[1].p=new\nset net.@u[2].q=3\n");
+    EXPECT_TRUE(apply_job(1)) << errors;
+    EXPECT_EQ(package(), "\nconfig r\n\toption p 'a'\n\nconfig u 's'\n\toption o '1'\n"
+                         "\toption q '1'\n\nconfig u\n\toption p 'new'\n\nconfig u\n"
+                         "\toption p 'b'\n\toption q '3'\n\n");
+}
+
 TEST_F(ApplyDocumentsTest, AFileHoldsOneTransactionAfterTheOther)
 {
     for (const char *elements : {R"({"p":"1"},{"p":"2"},{"p":"3"})", R"({"p":"1"},{"p":"x"})",
