@@ -156,6 +156,16 @@ TEST_F(ApplyOrderTest, OtherFilesOfTheFoldersAreLeftAlone)
     EXPECT_EQ(files(), others);
 }
 
+TEST_F(ApplyOrderTest, ThePackageEndsAtTheFirstDotWhateverTheSectionIsCalled)
+{
+    add("uci_update.net.", "no section");
+    add("uci_update1.net", "no dot");
+    add("uci_update2.net.a.b..c.", "dots");
+    EXPECT_TRUE(apply()) << errors;
+    EXPECT_EQ(items(), (Lines{"no section", "no dot", "dots"}));
+    EXPECT_EQ(files(), Lines{});
+}
+
 TEST_F(ApplyOrderTest, AnEmptyBatchFileIsRemovedAndItsPackageNotTouched)
 {
     batch("uci_update1.none.a", "");
