@@ -28,11 +28,12 @@ std::optional<int> job_number(const std::string &text)
     return good ? std::optional(job) : std::nullopt;
 }
 
-/// The latest job that the daemon has numbered since its start, as far as it is known.
+/// The latest job that the daemon has numbered since its start. Before the first one there is none:
+/// what lies there is from an earlier run, of whose numbers nothing is known.
 std::optional<int> latest_job()
 {
     const auto state = read_jobs();
-    const bool good = state && state->last >= 0 && state->last <= last_job_number;
+    const bool good = state && state->last >= 1 && state->last <= last_job_number;
     return good ? std::optional(state->last) : std::nullopt;
 }
 

@@ -40,6 +40,17 @@ TEST_F(QorctlApply, TheLatestJobThatTheDaemonHasNumberedTellsWhichFilesAreOld)
     EXPECT_FALSE(device.exists(std::string(folder) + "uci_update1500.net.a"));
 }
 
+TEST_F(QorctlApply, ADaemonThatHasJustBeenStartedTellsNothingOfTheJobsBeforeIt)
+{
+    batch("uci_update50.net.a", "set net.s=t\nadd_list net.s.l=50\n");
+    batch("uci_update51.net.a", "set net.s=t\nadd_list net.s.l=51\n");
+    write("/tmp/cache/qorcfg/jobs.json", R"({"last": 0, "running": [], "ended": 0})");
+    EXPECT_EQ(run({"apply", "50"}).status, 0);
+    EXPECT_EQ(package(), "\nconfig t 's'\n\tlist l '50'\n\n");
+    EXPECT_EQ(run({"apply"}).status, 0);
+    EXPECT_EQ(package(), "\nconfig t 's'\n\tlist l '50'\n\tlist l '51'\n\n");
+}
+
 TEST_F(QorctlApply, StartupTakesLeftOverFilesAndThenThoseOfTheStart)
 {
     batch("uci_update7.net.a", "set net.s=t\nset net.s.a=old\n");
