@@ -110,7 +110,8 @@ void expect_settings(const DeviceRoot &device, const std::string &name, json_obj
 
 } // namespace
 
-void expect_applied(const DeviceRoot &device, const Files &files)
+void expect_applied(const DeviceRoot &device, const Files &files,
+                    const std::set<std::string> &foreign)
 {
     std::map<std::string, std::vector<Json>> packages;
     for (const auto &[name, content] : files) {
@@ -135,7 +136,7 @@ void expect_applied(const DeviceRoot &device, const Files &files)
         for (const Json &document : documents) {
             all.push_back(document.get());
         }
-        EXPECT_EQ(with_sorted_options(applied_text(device, package, all)),
+        EXPECT_EQ(with_sorted_options(applied_text(device, package, all, foreign)),
                   with_sorted_options(wanted_text(all)))
             << "package " << package;
     }

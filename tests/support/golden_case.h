@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -43,7 +44,8 @@ Files files_in(const std::filesystem::path &folder);
 
 /// Compares the packages in the device's configuration folder with the documents among `files`
 /// (uci-PACKAGE-SECTION.json): each section of theirs is there as they say, and no other section
-/// of their types. Settings of NVRAM-side documents (nvram-NAME.json) are in their settings files.
-void expect_applied(const DeviceRoot &device, const Files &files);
+/// but those of the types in `foreign`, which others keep there.
+void expect_applied(const DeviceRoot &device, const Files &files,
+                    const std::set<std::string> &foreign = {});
 
 } // namespace qorcfg::test
