@@ -7,9 +7,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
-#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <memory>
 #include <sys/file.h>
 #include <utility>
@@ -36,17 +36,8 @@ std::string staged_path(const std::string &name)
 
 std::string real_path(const std::string &path)
 {
-    struct Free {
-        void operator()(char *text) const { std::free(text); }
-    };
-    const std::unique_ptr<char, Free> real(::realpath(path.c_str(), nullptr));
-    return real ? real.get() : "";
-}
-
-bool is_same_version(const struct stat &a, const struct stat &b)
-{
-    return a.st_dev == b.st_dev && a.st_ino == b.st_ino && a.st_size == b.st_size &&
-           a.st_mtim.tv_sec == b.st_mtim.tv_sec && a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
+    std::error_code error;
+    return std::filesystem::canonical(path, error);
 }
 
 } // namespace

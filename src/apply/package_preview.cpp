@@ -100,14 +100,15 @@ PackagePreview::Package &PackagePreview::package(const BatchFile &file)
     if (known != packages_.end()) {
         return *known;
     }
-    Package fresh{file.target, std::make_unique<PackageFile>(file.target), {}};
+    Package &fresh =
+        packages_.emplace_back(file.target, std::make_unique<PackageFile>(file.target));
     if (fresh.file->open() == PackageFile::Opened::done) {
         fresh.before = lines_of(fresh.name, fresh.file->package().get());
     } else {
         fault(file, fresh.file->error());
         fresh.file.reset();
     }
-    return packages_.emplace_back(std::move(fresh));
+    return fresh;
 }
 
 void PackagePreview::add(const BatchFile &file)

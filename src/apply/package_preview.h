@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace qorcfg {
@@ -24,6 +25,10 @@ public:
 
 private:
     struct Package {
+        Package(std::string package, std::unique_ptr<PackageFile> its_file)
+            : name(std::move(package)), file(std::move(its_file))
+        {
+        }
         std::string name;
         std::unique_ptr<PackageFile> file; ///< none when it cannot be read
         std::vector<std::string> before;

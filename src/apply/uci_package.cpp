@@ -14,11 +14,13 @@ namespace qorcfg {
 namespace {
 
 struct FreeText {
+    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc,cppcoreguidelines-owning-memory)
     void operator()(char *text) const { std::free(text); }
 };
 using Text = std::unique_ptr<char, FreeText>;
 
 struct CloseStream {
+    // NOLINTNEXTLINE(cppcoreguidelines-owning-memory)
     void operator()(std::FILE *stream) const { std::fclose(stream); }
 };
 using Stream = std::unique_ptr<std::FILE, CloseStream>;

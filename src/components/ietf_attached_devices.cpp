@@ -66,7 +66,7 @@ std::string_view first_line(std::string_view text)
 std::string take_token(std::string_view &line)
 {
     line.remove_prefix(std::min(line.find_first_not_of(' '), line.size()));
-    const std::string token(line.substr(0, line.find(' ')));
+    std::string token(line.substr(0, line.find(' ')));
     line.remove_prefix(std::min(token.size() + 1, line.size()));
     return token;
 }

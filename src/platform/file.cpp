@@ -109,6 +109,12 @@ bool append_all(int fd, std::string_view text)
     return false;
 }
 
+bool is_same_version(const struct stat &a, const struct stat &b)
+{
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino && a.st_size == b.st_size &&
+           a.st_mtim.tv_sec == b.st_mtim.tv_sec && a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
+}
+
 Fd lock_path(const std::string &path, int operation)
 {
     Fd fd = open_file(path, O_RDONLY);

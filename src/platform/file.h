@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <sys/stat.h>
 #include <sys/types.h>
 
 namespace qorcfg {
@@ -28,6 +29,9 @@ bool write_all(int fd, std::string_view text);
 /// Appends `text` to the open file whole or not at all: after a failed or short write the file is
 /// cut back to the length that it had. False and errno on failure.
 bool append_all(int fd, std::string_view text);
+
+/// Whether two looks at a path met the same file, unchanged in between.
+bool is_same_version(const struct stat &a, const struct stat &b);
 
 /// Takes a flock(2) lock (LOCK_SH or LOCK_EX) on `path`, which must exist, waiting for it. The lock
 /// goes with the returned descriptor. An empty Fd and errno on failure.
