@@ -36,6 +36,11 @@ settings=$folder/$name
 new=$folder/.$name.new
 mkdir -p "$folder" || fail "cannot make $folder"
 umask 077 # settings hold passwords
+# Whoever called an earlier run may have been killed and left it running.
+exec 9<"$folder"
+if command -v flock >/dev/null; then
+    flock 9 || fail "cannot lock $folder"
+fi
 rm -f "$new"
 old=/dev/null
 if [ -e "$settings" ]; then

@@ -1,8 +1,11 @@
 #include "support/apply_test.h"
 #include "support/hook_scripts.h"
+#include "support/process.h"
 
+#include <algorithm>
 #include <fcntl.h>
 #include <filesystem>
+#include <memory>
 #include <sys/stat.h>
 
 namespace qorcfg {
@@ -89,6 +92,25 @@ TEST_F(ApplyNvramTest, TheScriptLeavesOldSettingsWhenItCannotWrite)
     EXPECT_FALSE(apply_job(2));
     EXPECT_EQ(settings(), "a=1\n");
     EXPECT_EQ(device.names_in(nvram), Lines{"claimed.nvram_update2.wlan"});
+}
+
+TEST_F(ApplyNvramTest, RunsOfTheScriptFollowOneAnother)
+{
+    test::install_hook_scripts(device);
+    std::vector<std::unique_ptr<test::Process>> runs;
+    for (int i = 0; i < 20; ++i) {
+        const std::string number = std::to_string(i);
+        const std::string name = "nvram_update" + number + ".wlan";
+        update(name, "set key" + number + "=1\n");
+        runs.push_back(std::make_unique<test::Process>(
+            Lines{device.path("/etc/qorcfg.d/nvram.sh"), device.path(nvram + name)},
+            Lines{"QORCFG_ROOT=" + device.root()}));
+    }
+    for (const auto &run : runs) {
+        EXPECT_EQ(run->wait().status, 0);
+    }
+    const std::string text = settings();
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 20) << text;
 }
 
 TEST_F(ApplyNvramTest, AnEmptyUpdateNeedsNoScript)
