@@ -45,11 +45,15 @@ rm -f "$new"
 old=/dev/null
 if [ -e "$settings" ]; then
     old=$settings
-    cp -p "$settings" "$new" || fail "cannot write $new" # for owner and mode
+    cp -p "$settings" "$new" || { # for owner and mode
+        rm -f "$new"
+        fail "cannot write $new"
+    }
 fi
 
 # A value is data to this program, never text to evaluate.
-if awk '
+merge() {
+    awk '
     function keep(setting,    sign, path) {
         sign = index(setting, "=")
         if (sign < 2)
@@ -64,7 +68,11 @@ if awk '
     END {
         for (i = 1; i <= count; i++)
             print settings[order[i]]
-    }' "$old" "$update" >"$new" && mv -f "$new" "$settings"; then
+    }' "$old" "$update"
+}
+
+# BusyBox's awk says nothing when the disk is full, so what was written is compared.
+if merge >"$new" && merge | cmp -s - "$new" && mv -f "$new" "$settings"; then
     exit 0
 fi
 rm -f "$new"

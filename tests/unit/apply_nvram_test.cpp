@@ -113,6 +113,23 @@ TEST_F(ApplyNvramTest, RunsOfTheScriptFollowOneAnother)
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 20) << text;
 }
 
+TEST_F(ApplyNvramTest, SettingsThatAFullDiskCutDoNotReplaceTheOldOnes)
+{
+    test::install_hook_scripts(device);
+    update("nvram_update1.wlan", "set a=1\nset b=1\n");
+    EXPECT_TRUE(apply_job(1)) << errors;
+    // An awk that does not notice what a file could not take.
+    device.write_program("/bin/awk", "#!/bin/sh\nPATH=${PATH#*:}\nif [ -p /dev/stdout ]; then\n"
+                                     "    exec awk \"$@\"\nfi\nawk \"$@\" | head -c 5\n");
+    update("nvram_update2.wlan", "set a=2\n");
+    EXPECT_FALSE(apply_job(2));
+    EXPECT_EQ(settings(), "a=1\nb=1\n");
+    EXPECT_EQ(device.names_in("/tmp/etc/nvram"), Lines{"wlan"});
+    std::filesystem::remove(device.path("/bin/awk"));
+    EXPECT_TRUE(apply_job(2)) << errors;
+    EXPECT_EQ(settings(), "a=2\nb=1\n");
+}
+
 TEST_F(ApplyNvramTest, AnEmptyUpdateNeedsNoScript)
 {
     update("nvram_update1.wlan", "");
