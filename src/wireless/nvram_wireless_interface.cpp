@@ -39,10 +39,14 @@ const Interface &main_of(const Interface &interface)
 }
 
 /// Writes a switch that follows from other settings. Nothing is ever removed from the settings
-/// files, so one that is off again must be told.
+/// files, so one that is off again must be told, whatever the section's own key says.
 void add_switch(WifiSection &section, const char *option, bool on)
 {
-    section.add_fixed(option, on ? "1" : "0");
+    if (on) {
+        section.add_fixed(option, "1");
+    } else {
+        section.add(option, "0");
+    }
 }
 
 void add_wps_options(const WirelessRun &run, WifiSection &section, const Interface &interface)

@@ -518,6 +518,23 @@ TEST_F(NvramWirelessInterfacesTest, FixedValuesGiveWayToTheSectionsOwnKeys)
     EXPECT_EQ(device_.option("FhAp5", "dtim_period"), "4");
 }
 
+TEST_F(NvramWirelessInterfacesTest, OwnKeysOfASwitchCountOnlyWhileItIsOn)
+{
+    have_guests();
+    device_.set({{"FhAp2_vap_disable", "own"}, {"FhAp5_assocwar160", "own"}});
+    device_.set({{"Guest2_lan_restricted", "own"}});
+    device_.translate();
+    EXPECT_EQ(device_.option("FhAp2", "vap_disable"), "0");
+    EXPECT_EQ(device_.option("FhAp5", "assocwar160"), "0");
+    EXPECT_EQ(device_.option("Guest2", "lan_restricted"), "0");
+    device_.set({{"endis_wl_radio", "0"}, {"wla_htmode", "HT160"}});
+    device_.set({{"wlg1_endis_allow_see_and_access", "0"}});
+    device_.translate();
+    EXPECT_EQ(device_.option("FhAp2", "vap_disable"), "own");
+    EXPECT_EQ(device_.option("FhAp5", "assocwar160"), "own");
+    EXPECT_EQ(device_.option("Guest2", "lan_restricted"), "own");
+}
+
 TEST_F(NvramWirelessInterfacesTest, WideChannelsAreTold)
 {
     EXPECT_EQ(with("wla_htmode", "HT160", "FhAp5", "assocwar160"), "1");
