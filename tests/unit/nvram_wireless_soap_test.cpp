@@ -1,3 +1,4 @@
+#include "core/base/hooks.h"
 #include "platform/config_value.h"
 #include "platform/key_id.h"
 #include "support/nvram_wireless_device.h"
@@ -154,6 +155,20 @@ TEST_F(NvramWirelessSoapTest, AJobThatChangesTheRegionOf5GhzStoresATimestampForG
     EXPECT_TRUE(has_new_timestamp());
     EXPECT_TRUE(device_.exists("/etc/qorcfg/config.mdb"));
     EXPECT_EQ(device_.killall_calls(), Lines{"-SIGUSR1 soap_agent"});
+}
+
+TEST_F(NvramWirelessSoapTest, TheTimestampIsThereWhenTheAgentIsTold)
+{
+    static std::string stamp_when_told;
+    stamp_when_told.clear();
+    set_soap_pause([] { stamp_when_told = config_value("config_timestamp"); });
+    for (const char *key : {"wl_tpscale", "wla_country", "wlg_ap_bh_wpa3_psk"}) {
+        told({key});
+        EXPECT_NE(stamp_when_told, "old") << key;
+        EXPECT_EQ(stamp_when_told, config_value("config_timestamp")) << key;
+    }
+    told({"wl_ssid"});
+    EXPECT_EQ(stamp_when_told, "old");
 }
 
 TEST_F(NvramWirelessSoapTest, KeysThatAreNotSubscribedTellNothingInAJob)
