@@ -17,15 +17,14 @@ namespace {
 constexpr std::array pool_keys{"ap_mode", "lan_dhcp", "dhcp_start", "dhcp_end"};
 constexpr int max_reservations = 128;
 
-std::string ignore_unless_served(std::string lan_dhcp)
+std::string ignore_unless_served(const std::string &lan_dhcp)
 {
-    lan_dhcp = lan_dhcp == "1" ? "0" : "1";
-    return lan_dhcp;
+    return lan_dhcp == "1" ? "0" : "1";
 }
 
-std::string state_or_first(std::string state)
+std::string state_or_first(const std::string &state)
 {
-    return state.empty() ? "apply_0" : cut<31>(std::move(state));
+    return state.empty() ? "apply_0" : cut<31>(state);
 }
 
 // The service's scripts take the last address for "limit", not a count.

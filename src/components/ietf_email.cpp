@@ -36,14 +36,14 @@ constexpr std::array days{"sun", "mon", "tue", "wed", "thu", "fri", "sat"};
 constexpr int hours_of_a_day = 24;
 
 /// The day that the store names by its number, Sunday first; Sunday for any other number.
-std::string day_name(std::string value)
+std::string day_name(const std::string &value)
 {
     const auto day = static_cast<std::size_t>(number_of(value));
     return day < days.size() ? days.at(day) : days.front();
 }
 
 /// The full hour that the store names by its number; midnight for any other number.
-std::string full_hour(std::string value)
+std::string full_hour(const std::string &value)
 {
     const int number = number_of(value);
     const int hour = number >= 0 && number < hours_of_a_day ? number : 0;

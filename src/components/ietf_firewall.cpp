@@ -41,12 +41,12 @@ constexpr std::array sites_keys{
 constexpr std::array session_policy_keys{"mulpppoe_setting"};
 
 /// The store says whether the gateway helps SIP along, the service whether it keeps out of the way.
-std::string inverted(std::string value)
+std::string inverted(const std::string &value)
 {
     return value == "1" ? "0" : "1";
 }
 
-std::string open_or_secured(std::string value)
+std::string open_or_secured(const std::string &value)
 {
     return value == "1" ? "open" : "secured";
 }

@@ -26,13 +26,13 @@ const char *enabled_version(const std::string &version)
 }
 
 /// The store's key string carries one character more than the secret that the daemon is given.
-std::string md5_secret(std::string value)
+std::string md5_secret(const std::string &value)
 {
-    value = cut<32>(std::move(value));
-    if (!value.empty()) {
-        value.pop_back();
+    std::string secret = cut<32>(value);
+    if (!secret.empty()) {
+        secret.pop_back();
     }
-    return value;
+    return secret;
 }
 
 constexpr std::array secrets{

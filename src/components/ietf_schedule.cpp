@@ -35,7 +35,7 @@ constexpr std::array<Day, 7> days{{
 }};
 
 /// A span that ends with the day is closed a minute early, since no clock ever shows 24:00.
-std::string end_within_the_day(std::string value)
+std::string end_within_the_day(const std::string &value)
 {
     return value.find("24:") == std::string::npos ? value : "23:59";
 }

@@ -9,7 +9,7 @@ namespace {
 std::string option_value(const Option &row)
 {
     std::string value = config_value(row.key);
-    return row.transform == nullptr ? value : row.transform(std::move(value));
+    return row.transform == nullptr ? value : row.transform(value);
 }
 
 } // namespace

@@ -15,14 +15,13 @@ namespace qorcfg {
 struct Option {
     const char *option;
     const char *key;
-    std::string (*transform)(std::string value) = nullptr;
+    std::string (*transform)(const std::string &value) = nullptr;
 };
 
 /// Transformation of an option row: the first `Limit` bytes of the value.
-template <std::size_t Limit> std::string cut(std::string value)
+template <std::size_t Limit> std::string cut(const std::string &value)
 {
-    value.resize(value.size() < Limit ? value.size() : Limit);
-    return value;
+    return value.substr(0, Limit);
 }
 
 class Document;

@@ -2,7 +2,7 @@
 
 #include "platform/key_id.h"
 
-#include <new>
+#include <memory>
 
 namespace qorcfg {
 
@@ -22,7 +22,7 @@ void ChangedKeys::append(std::int32_t key_id)
     while (*end) {
         end = &(*end)->next;
     }
-    end->reset(::new (memory.release()) Node{key_id, nullptr});
+    end->reset(std::construct_at(static_cast<Node *>(memory.release()), Node{key_id, nullptr}));
 }
 
 bool ChangedKeys::contains(std::int32_t key_id) const
