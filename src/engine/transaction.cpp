@@ -47,7 +47,7 @@ Transaction::Writer &Transaction::writer_of(const std::string &snapshot)
     return *writer;
 }
 
-Transaction::Transaction(DocumentFiles files)
+Transaction::Transaction(const DocumentFiles &files)
     : files_{rooted(files.folder), rooted(files.batch), rooted(files.snapshot)},
       writer_(writer_of(files_.snapshot)), lock_(writer_.mutex),
       folder_lock_(lock_path(files_.folder, LOCK_SH))

@@ -26,7 +26,7 @@ struct DocumentFiles {
 class Transaction {
 public:
     /// Opens the batch file for appending, making it where it is missing. Check `is_open`.
-    explicit Transaction(DocumentFiles files);
+    explicit Transaction(const DocumentFiles &files);
     ~Transaction();
     Transaction(const Transaction &) = delete;
     Transaction &operator=(const Transaction &) = delete;

@@ -250,10 +250,10 @@ TEST_F(DaemonTest, AJobWithoutAnyDifferenceStillCreatesItsEmptyBatchFile)
 TEST_F(DaemonTest, ASlowHookHoldsUpNoNewerJobAndStatusStaysTheNewestOnes)
 {
     const std::string go = device_.path("/tmp/go");
-    device_.write_program("/etc/qorcfg.d/commit.sh", "#!/bin/sh\necho \"commit $*\" >>" +
-                                                         device_.path("/tmp/hook_calls") +
-                                                         "\n[ \"$1\" != 1 ] || while [ ! -e " + go +
-                                                         " ]; do sleep 0.01; done\n");
+    device_.write_program("/etc/qorcfg.d/commit.sh",
+                          "#!/bin/sh\necho \"commit $*\" >>" + device_.path("/tmp/hook_calls") +
+                              "\n[ \"$1\" != 1 ] || while [ -e \"$0\" ] && [ ! -e " + go +
+                              " ]; do sleep 0.01; done\n");
     device_.set({{"debug_boot_up", "1"}});
     start_with({"ietf_debug"});
     commit({"debug_boot_up"});
@@ -268,9 +268,10 @@ TEST_F(DaemonTest, ASlowHookHoldsUpNoNewerJobAndStatusStaysTheNewestOnes)
 
     // A third job is at work when the first one ends: its "2" must stand.
     const std::string go3 = device_.path("/tmp/go3");
-    device_.write_program("/etc/qorcfg.d/commit.sh",
-                          "#!/bin/sh\necho \"commit $*\" >>" + device_.path("/tmp/hook_calls") +
-                              "\nwhile [ ! -e " + go3 + " ]; do sleep 0.01; done\n");
+    device_.write_program("/etc/qorcfg.d/commit.sh", "#!/bin/sh\necho \"commit $*\" >>" +
+                                                         device_.path("/tmp/hook_calls") +
+                                                         "\nwhile [ -e \"$0\" ] && [ ! -e " + go3 +
+                                                         " ]; do sleep 0.01; done\n");
     device_.set({{"debug_boot_up", "3"}});
     commit({"debug_boot_up"});
     ASSERT_TRUE(wait_until([&] { return has(daemon_.hook_calls(), "commit 3"); }));
@@ -382,10 +383,11 @@ TEST_F(DaemonTest, ASatelliteLeavesBaseUnitServicesAlone)
 TEST_F(DaemonTest, TermEndsItCleanlyAfterTheCallbacksAndLeavesTheHookRunning)
 {
     const std::string go = device_.path("/tmp/go");
-    device_.write_program("/etc/qorcfg.d/commit.sh",
-                          "#!/bin/sh\necho \"commit $*\" >>" + device_.path("/tmp/hook_calls") +
-                              "\nwhile [ ! -e " + go + " ]; do sleep 0.01; done\necho done >>" +
-                              device_.path("/tmp/hook_calls") + "\n");
+    device_.write_program("/etc/qorcfg.d/commit.sh", "#!/bin/sh\necho \"commit $*\" >>" +
+                                                         device_.path("/tmp/hook_calls") +
+                                                         "\nwhile [ -e \"$0\" ] && [ ! -e " + go +
+                                                         " ]; do sleep 0.01; done\necho done >>" +
+                                                         device_.path("/tmp/hook_calls") + "\n");
     start_with({"ietf_debug"});
     commit({"debug_boot_up"});
     ASSERT_TRUE(wait_until([&] { return has(daemon_.hook_calls(), "commit 1"); }));

@@ -27,9 +27,10 @@ TEST(WirelessDaemonTest, ItEndsTheSameWayWhileOtherJobsRun)
     Daemon daemon;
     daemon.device().write(package, "");
     // The hook of the first jobs runs until the test's end, and their workers with it.
-    daemon.device().write_program("/etc/qorcfg.d/commit.sh", "#!/bin/sh\nwhile [ ! -e " +
-                                                                 daemon.device().path("/tmp/go") +
-                                                                 " ]; do sleep 0.01; done\n");
+    daemon.device().write_program("/etc/qorcfg.d/commit.sh",
+                                  "#!/bin/sh\nwhile [ -e \"$0\" ] && [ ! -e " +
+                                      daemon.device().path("/tmp/go") +
+                                      " ]; do sleep 0.01; done\n");
     daemon.list_components({"ietf_wireless", "ietf_devname"});
     daemon.start();
     for (const char *name : {"Device_name=one", "Device_name=two", "Device_name=three"}) {
