@@ -49,10 +49,12 @@ std::string quoted_item(const std::string &item)
 void print_list(const uci_option &option)
 {
     std::string line;
+    const char *separator = ""; // an item may be empty
     const uci_element *item = nullptr;
     uci_foreach_element(&option.v.list, item)
     {
-        line += (line.empty() ? "" : " ") + quoted_item(item->name);
+        line += separator + quoted_item(item->name);
+        separator = " ";
     }
     std::printf("%s\n", line.c_str());
 }

@@ -93,6 +93,15 @@ TEST_F(WirelessUciAccessTest, WithoutAFieldAListIsPrintedQuotedWhereItMustBe)
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "plain 'two words' 'it'\\''s\ta tab'\n");
 }
 
+TEST_F(WirelessUciAccessTest, AnEmptyItemOfAListIsPrintedBetweenItsBlanks)
+{
+    device_.write("/tmp/etc/config/net", "config host 'a'\n\tlist l ''\n\tlist l 'x'\n"
+                                         "\tlist l ''\n\tlist l 'y'\n");
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(get_uci_option_value("net.a.l", nullptr, 0), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), " x  y\n");
+}
+
 TEST_F(WirelessUciAccessTest, ChangesThatAreSavedAreSeen)
 {
     device_.write("/tmp/.uci/net", "net.a.name='changed'\n");
