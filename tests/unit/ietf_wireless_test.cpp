@@ -226,6 +226,36 @@ TEST_F(IetfWirelessTest, BoardFactsThatAreListsAreLeftOut)
     EXPECT_EQ(device_.radio("wifi1", "macaddr"), "00:00:5E:00:53:13");
 }
 
+TEST_F(IetfWirelessTest, BoardFactsAreCutAtTheirOwnSizes)
+{
+    const auto write_board = [&](std::size_t pin, std::size_t mac, const std::string &role,
+                                 const std::string &driver) {
+        const std::string macs(mac, 'm');
+        device_.write("/tmp/etc/config/systeminfo",
+                      "config systeminfo 'boarddata'\n\toption board_wpspin '" +
+                          std::string(pin, 'p') + "'\n\toption wl2g_mac '" + macs +
+                          "'\n\toption wl5g_mac '" + macs + "'\n\toption wl2nd5g_mac '" + macs +
+                          "'\n");
+        device_.write("/tmp/etc/config/repacd",
+                      "config repacd 'repacd'\n\toption Role '" + role + "'\n");
+        device_.write("/tmp/etc/config/qcacfg80211",
+                      "config qcacfg80211 'config'\n\toption enable '" + driver + "'\n");
+        device_.update();
+    };
+    write_board(16, 32, "CAP", "1");
+    EXPECT_EQ(device_.interface("2gfh_main", "wps_pin"), std::string(15, 'p'));
+    for (const char *radio : {"wifi0", "wifi1", "wifi2"}) {
+        EXPECT_EQ(device_.radio(radio, "macaddr"), std::string(31, 'm')) << radio;
+    }
+    const auto facts_of = [&](std::size_t role, std::size_t driver) {
+        write_board(1, 1, std::string(role, 'r'), std::string(driver, 'd'));
+        const auto facts = ietf_wireless_model().refresh();
+        return facts->board[board_mesh_role] + " " + facts->board[board_driver_type];
+    };
+    EXPECT_EQ(facts_of(10, 8), "rrrrrrrrr ddddddd");
+    EXPECT_EQ(facts_of(9, 7), "rrrrrrrrr ddddddd");
+}
+
 TEST_F(IetfWirelessTest, SteeringHasOneThresholdFromTheStore)
 {
     device_.update({{"lbd_RSSISteeringPoint_UG", "20"}});
