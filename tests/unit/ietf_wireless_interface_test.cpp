@@ -404,6 +404,11 @@ TEST_F(IetfWirelessInterfaceTest, BackhaulsFormBeamsAndFronthaulsFollowTheirRadi
     }
     device_.update({{"wla_bf", "1"}, {"wla_mu_mimo", "0"}});
     EXPECT_EQ(device_.interface("5gfh_main", beamforming_options), single);
+    for (const char *other : {"", "2", "11"}) {
+        device_.update({{"wlg_bf", other}, {"wla_mu_mimo", other}});
+        EXPECT_EQ(device_.interface("2gfh_main", beamforming_options), off) << other;
+        EXPECT_EQ(device_.interface("5gfh_main", beamforming_options), single) << other;
+    }
 }
 
 TEST_F(IetfWirelessInterfaceTest, AFronthaulOfTheSecondHighRadioHasItsKeys)

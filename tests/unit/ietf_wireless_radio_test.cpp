@@ -26,6 +26,22 @@ protected:
         device_.update(settings);
         return all(option);
     }
+    /// The same of a model with these settings.
+    static std::string all_with(const WirelessScalars &scalars, const char *option)
+    {
+        WirelessModel model({}, scalars);
+        WirelessRun run(model);
+        std::string values;
+        for (const Radio &radio : radios) {
+            add_ietf_radio_options(run, radio);
+            run.nest(radio, radio.name);
+            json_object *sections = json_get_member(run.document().get(), "wifi-device");
+            values +=
+                json_value_text(json_get_member(json_get_member(sections, radio.name), option)) +
+                "|";
+        }
+        return values;
+    }
 
     WirelessDevice device_;
 };
@@ -107,22 +123,18 @@ TEST_F(IetfWirelessRadioTest, WithOneBandAbsentTheBandsFlagsGiveTheButtonState)
 {
     device_.set({{"wl_hw_btn_state", "on"}});
     const auto state_with = [&](WirelessScalars scalars) {
-        WirelessModel model({}, scalars);
-        WirelessRun run(model);
-        std::string states;
-        for (const Radio &radio : radios) {
-            add_ietf_radio_options(run, radio);
-            run.nest(radio, radio.name);
-            json_object *sections = json_get_member(run.document().get(), "wifi-device");
-            states += json_value_text(
-                          json_get_member(json_get_member(sections, radio.name), "hw_btn_state")) +
-                      "|";
-        }
-        return states;
+        return all_with(scalars, "hw_btn_state");
     };
     EXPECT_EQ(state_with({.wlg_exist = false, .wla_if_onoff = false}), "on|off||");
     EXPECT_EQ(state_with({.wla_exist = false, .wlg_if_onoff = false}), "off|on||");
     EXPECT_EQ(state_with({.wlg_if_onoff = false, .wla_if_onoff = false}), "on|on||");
+}
+
+TEST_F(IetfWirelessRadioTest, EachRadioHasANoiseFloorOfItsOwn)
+{
+    EXPECT_EQ(all_with({.g_nf_baseline = "-1", .a_nf_baseline = "-2", .a2_nf_baseline = "-3"},
+                       "nf_baseline"),
+              "-1|-2|-3|");
 }
 
 TEST_F(IetfWirelessRadioTest, ModesHaveDefaults)
@@ -176,6 +188,18 @@ TEST_F(IetfWirelessRadioTest, AGuestVlanTakesTheBridgeAndMarksRadios)
     EXPECT_EQ(all("wsplcd_unmanaged"), "(none)|(none)|1");
     EXPECT_EQ(all("ul_hyst"), "3|(none)|3");
     EXPECT_EQ(all("no_vlan"), "1|1|1");
+}
+
+TEST_F(IetfWirelessRadioTest, OnlyMainFronthaulsAndBackhaulAccessPointsTellOnTheMarks)
+{
+    device_.describe("1", {"wifi0", "wifi1", "wifi2"},
+                     {{"2.4G", "guest", "ath02"},
+                      {"2.4G", "backhaul-sta_raw", "ath03"},
+                      {"5G", "backhaul-ap_raw", "ath11"},
+                      {"5G_2nd", "primary", "ath2"}});
+    device_.update();
+    EXPECT_EQ(all("wsplcd_unmanaged"), "1|1|(none)");
+    EXPECT_EQ(all("ul_hyst"), "(none)|3|(none)");
 }
 
 TEST_F(IetfWirelessRadioTest, WithoutAGuestVlanRadiosAreNotMarked)

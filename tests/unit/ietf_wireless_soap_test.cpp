@@ -101,6 +101,12 @@ TEST_F(IetfWirelessSoapTest, EachKeyOfAGroupNotifiesWithItsWord)
     expect_each({"wla_2nd_enhance_dfs"}, "SystemDfs");
 }
 
+TEST_F(IetfWirelessSoapTest, TheLineStandsUnderTheComponentsName)
+{
+    EXPECT_EQ(word({"wl_ssid"}), "FronthaulNetwork");
+    EXPECT_NE(device_.log_lines().at(0).find("[ietf_wireless "), std::string::npos);
+}
+
 TEST_F(IetfWirelessSoapTest, OtherKeysNotifyNothing)
 {
     expect_each({"endis_wl_radio", "wlg1_endis_allow_see_and_access", "wl_hw_btn_state",

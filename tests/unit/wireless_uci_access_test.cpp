@@ -57,6 +57,11 @@ TEST_F(WirelessUciAccessTest, AnOptionGivesItsValueAndASectionItsType)
     EXPECT_EQ(read("net.@host[1]"), "0 host ");
 }
 
+TEST_F(WirelessUciAccessTest, APackageIsFoundAndHasNoValue)
+{
+    EXPECT_EQ(read("net"), "0 before ");
+}
+
 TEST_F(WirelessUciAccessTest, AValueIsCutOneByteBelowTheSize)
 {
     EXPECT_EQ(read("net.a.name", 5), "0 firs ");
@@ -100,6 +105,15 @@ TEST_F(WirelessUciAccessTest, AnEmptyItemOfAListIsPrintedBetweenItsBlanks)
     testing::internal::CaptureStdout();
     EXPECT_EQ(get_uci_option_value("net.a.l", nullptr, 0), 0);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), " x  y\n");
+}
+
+TEST_F(WirelessUciAccessTest, ItemsWithLineEndsArePrintedQuoted)
+{
+    device_.write("/tmp/etc/config/net", "config host 'a'\n\tlist l \"a\rb\"\n"
+                                         "\tlist l 'c\nd'\n\tlist l '\"e\"'\n");
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(get_uci_option_value("net.a.l", nullptr, 0), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "'a\rb' 'c\nd' \"e\"\n");
 }
 
 TEST_F(WirelessUciAccessTest, ChangesThatAreSavedAreSeen)
