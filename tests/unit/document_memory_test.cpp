@@ -2,6 +2,7 @@
 #include "components/vlan_settings.h"
 #include "platform/key_id.h"
 #include "support/device_root.h"
+#include "wireless/ietf_wireless.h"
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
@@ -169,6 +170,20 @@ TEST_F(DocumentMemoryTest, VlansAreNotHandedOverWithoutADocument)
 {
     EXPECT_EQ(update_without(whole_document, ietf_vlan), -1);
     EXPECT_EQ(files(), Lines{});
+}
+
+TEST_F(DocumentMemoryTest, TheWirelessDocumentGoesOutWholeOrNotAtAll)
+{
+    device_.write("/tmp/etc/config/wireless", "");
+    // The document, its three groups, and the options of the global section, of each radio and of
+    // each interface, built or not.
+    constexpr int objects = 1 + 3 + 1 + 3 + 10;
+    for (int object = 1; object <= objects; ++object) {
+        EXPECT_EQ(update_without(object, ietf_wireless, "wl_ssid"), 0) << object;
+        EXPECT_EQ(files(), Lines{}) << object;
+    }
+    EXPECT_EQ(update_without(objects + 1, ietf_wireless, "wl_ssid"), 1);
+    EXPECT_EQ(files(), (Lines{"uci-wireless-all.json", "uci_update1.wireless.all"}));
 }
 
 } // namespace

@@ -319,6 +319,8 @@ TEST_F(IetfWirelessInterfaceTest, WideChannelsAreMarkedByTheRadiosMode)
     EXPECT_EQ(all("assocwar160", {{"wla_htmode", "HT80_80"}}), "-|-|1|1|-|-|-|-");
     EXPECT_EQ(all("assocwar160", {{"wla_htmode", "HT80"}, {"wla_2nd_htmode", "HT160"}}),
               "-|-|-|-|-|1|-|1");
+    EXPECT_EQ(all("assocwar160", {{"wla_htmode", "HT80_80+"}, {"wla_2nd_htmode", "HT1600"}}),
+              "-|-|-|-|-|-|-|-");
 }
 
 TEST_F(IetfWirelessInterfaceTest, MeasurementsAndMulticast)
@@ -426,6 +428,8 @@ TEST_F(IetfWirelessInterfaceTest, BackhaulExtras)
     describe("1");
     EXPECT_EQ(all("rept_spl", {}), "-|-|-|-|1|1|1|1");
     EXPECT_EQ(all("disabled"), "-|-|-|-|-|-|-|-");
+    device_.write("/tmp/etc/config/repacd", "config repacd 'repacd'\n\toption Role 'CAPS'\n");
+    EXPECT_EQ(all("disabled", {}), "-|-|-|-|-|-|-|-");
     device_.write("/tmp/etc/config/repacd", "config repacd 'repacd'\n\toption Role 'CAP'\n");
     EXPECT_EQ(all("disabled", {}), "-|-|-|-|-|-|1|1");
 }
