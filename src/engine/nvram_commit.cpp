@@ -106,18 +106,19 @@ std::string changed_lines(json_object *last, json_object *doc)
 
 void commit_nvram_document(const Document &doc, std::string_view name, int trigger, int job)
 {
-    if (WritesHeld::now()) {
-        return;
-    }
     const std::string document(name);
     if (!is_file_name(document)) {
         QORCFG_LOG("refused a document named '%s'", document.c_str());
         return;
     }
+    const std::string snapshot = std::string(nvram_folder) + "/nvram-" + document + ".json";
+    if (WritesHeld::now()) {
+        WritesHeld::tell({"", snapshot});
+        return;
+    }
     const bool whole = trigger == 1;
     const std::string number = whole ? "" : std::to_string(job);
-    Transaction transaction({nvram_folder, update_base() + number + "." + document,
-                             std::string(nvram_folder) + "/nvram-" + document + ".json"});
+    Transaction transaction({nvram_folder, update_base() + number + "." + document, snapshot});
     if (!transaction.is_open()) {
         print_lines("Failed to open " + update_base() + (whole ? "\n" : " \n"));
         return;

@@ -63,13 +63,16 @@ std::string difference_lines(const Transaction &transaction, std::string_view pa
 void commit_document(const Document &doc, std::string_view package_name,
                      std::string_view section_name, int trigger, int job, Granularity granularity)
 {
-    if (WritesHeld::now()) {
-        return;
-    }
     const std::string package(package_name);
     const std::string section(section_name);
     if (!is_file_name(package) || !is_file_name(section)) {
         QORCFG_LOG("refused a document named '%s' '%s'", package.c_str(), section.c_str());
+        return;
+    }
+    const std::string snapshot =
+        bounded_path(std::string(uci_folder) + "/uci-" + package + "-" + section + ".json");
+    if (WritesHeld::now()) {
+        WritesHeld::tell({package, snapshot});
         return;
     }
     const bool whole = trigger == 1;
@@ -79,8 +82,7 @@ void commit_document(const Document &doc, std::string_view package_name,
     const std::string base = batch_base();
     const std::string number = whole ? "" : std::to_string(job);
     Transaction transaction(
-        {uci_folder, bounded_path(base + number + "." + package + "." + section),
-         bounded_path(std::string(uci_folder) + "/uci-" + package + "-" + section + ".json")});
+        {uci_folder, bounded_path(base + number + "." + package + "." + section), snapshot});
     if (!transaction.is_open()) {
         print_lines("Failed to open " + base + "\n");
         return;

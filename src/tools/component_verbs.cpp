@@ -4,6 +4,9 @@
 #include "engine/json.h"
 #include "platform/path_root.h"
 #include "tools/arguments.h"
+#ifndef QORCFG_PLATFORM_EXTERNAL
+#include "tools/component_page.h"
+#endif
 #include "tools/subscribers.h"
 
 #include <CLI/CLI.hpp>
@@ -21,6 +24,7 @@ namespace {
 struct ComponentsOptions {
     std::optional<std::string> list;
     bool json = false;
+    bool markdown = false;
 };
 
 using Names = std::set<std::string, std::less<>>;
@@ -73,6 +77,12 @@ void print_components_json(std::ostream &out, const Names &listed)
 
 int list_components(Session &session, const ComponentsOptions &options)
 {
+#ifndef QORCFG_PLATFORM_EXTERNAL
+    if (options.markdown) {
+        session.out << component_page();
+        return exit_done;
+    }
+#endif
     const std::string path = options.list.value_or(rooted(default_component_list));
     Names listed;
     if (!for_each_listed_component(path, [&](const char *name) { listed.insert(name); })) {
@@ -157,6 +167,12 @@ void add_component_verbs(CLI::App &app, Session &session)
     add_optional_argument(*verb, "LIST-FILE", list_options->list,
                           "Component list (that of the device)");
     add_json_flag(*verb, list_options->json);
+#ifndef QORCFG_PLATFORM_EXTERNAL
+    // It asks the components below a scratch root, where the maker's store does not lie.
+    verb->add_flag("--markdown", list_options->markdown,
+                   "Print the page of all components, their keys and documents")
+        ->excludes("LIST-FILE", "--json");
+#endif
     choose(*verb, session, [=](Session &each) { return list_components(each, *list_options); });
 
     const auto key_options = std::make_shared<SubscribersOptions>();

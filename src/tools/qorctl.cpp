@@ -15,6 +15,12 @@ namespace qorcfg {
 
 namespace {
 
+#ifdef QORCFG_PLATFORM_EXTERNAL
+constexpr const char *first_example = "qorctl status --watch";
+#else
+constexpr const char *first_example = "qorctl set endis_ddns=1 && qorctl commit --wait";
+#endif
+
 std::string root_fault(const std::string &root)
 {
     // The empty root is the device's own.
@@ -25,10 +31,14 @@ std::string root_fault(const std::string &root)
 
 void add_verbs(CLI::App &app, Session &session)
 {
+#ifndef QORCFG_PLATFORM_EXTERNAL
+    // The maker's store has tools of its own, and announces its changes itself.
     add_value_verbs(app, session);
     add_exchange_verbs(app, session);
     add_commit_verb(app, session);
-    add_announce_verbs(app, session);
+    add_announce_verb(app, session);
+#endif
+    add_id_verb(app, session);
     add_status_verb(app, session);
     add_apply_verb(app, session);
     add_component_verbs(app, session);
@@ -91,7 +101,8 @@ int run_qorctl(const std::vector<std::string> &arguments, std::istream &in, std:
     Session session{in, out, err, {}};
     CLI::App app("Reads and changes the settings of the device, and tells the configuration daemon",
                  "qorctl");
-    app.footer("Example:\n  qorctl set endis_ddns=1 && qorctl commit --wait\n\n"
+    app.footer("Example:\n  " + std::string(first_example) +
+               "\n\n"
                "\"qorctl VERB --help\" tells more. Exit status: 0 done, 1 failed, 2 wrong usage.\n"
                "Environment: QORCFG_ROOT, a folder in front of every built-in path, as --root.");
     std::optional<std::string> root;

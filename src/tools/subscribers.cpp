@@ -5,7 +5,6 @@
 #include "engine/systeminfo.h"
 #include "engine/writes_held.h"
 #include "platform/key_id.h"
-#include "platform/reference/notifier.h"
 
 #include <algorithm>
 

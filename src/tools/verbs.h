@@ -15,8 +15,10 @@ void add_value_verbs(CLI::App &app, Session &session);
 void add_exchange_verbs(CLI::App &app, Session &session);
 /// commit
 void add_commit_verb(CLI::App &app, Session &session);
-/// announce, id
-void add_announce_verbs(CLI::App &app, Session &session);
+/// announce
+void add_announce_verb(CLI::App &app, Session &session);
+/// id
+void add_id_verb(CLI::App &app, Session &session);
 /// status
 void add_status_verb(CLI::App &app, Session &session);
 /// apply

@@ -24,9 +24,13 @@ KeyRecord *Registry::walk_to(std::int32_t key_id, const char *what)
 }
 
 template <typename Callback>
-std::int32_t Registry::add(std::int32_t key_id, const char *what, Callback callback,
+std::int32_t Registry::add(const char *key, const char *what, Callback callback,
                            std::vector<Callback> KeyRecord::*list)
 {
+    if (watcher_ && key != nullptr) {
+        watcher_(key);
+    }
+    const std::int32_t key_id = config_key_id(key);
     KeyRecord *record = walk_to(key_id, what);
     try {
         if (record != nullptr) {
@@ -49,12 +53,12 @@ std::int32_t Registry::subscribe(const char *key, UpdateCallback callback)
 {
     const std::int32_t key_id = config_key_id(key);
     QORCFG_LOG("Subscribe name %s spoint %d !!!!", key == nullptr ? "" : key, key_id);
-    return add(key_id, "subscriptions", callback, &KeyRecord::normal);
+    return add(key, "subscriptions", callback, &KeyRecord::normal);
 }
 
 std::int32_t Registry::subscribe_soap(const char *key, SoapCallback callback)
 {
-    return add(config_key_id(key), "soap subscriptions", callback, &KeyRecord::soap);
+    return add(key, "soap subscriptions", callback, &KeyRecord::soap);
 }
 
 const KeyRecord *Registry::find(std::int32_t key_id) const

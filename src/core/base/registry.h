@@ -3,6 +3,8 @@
 #include "core/base/changed_keys.h"
 
 #include <cstdint>
+#include <functional>
+#include <utility>
 #include <vector>
 
 namespace qorcfg {
@@ -40,14 +42,18 @@ public:
     const KeyRecord *find(std::int32_t key_id) const;
     /// Forgets everything; for tests and tools that enable components one by one.
     void clear() { records_.clear(); }
+    /// Has `watcher` told the name of each key that is subscribed to from now on, which the records
+    /// do not keep; null ends that. For tools.
+    void watch(std::function<void(const char *key)> watcher) { watcher_ = std::move(watcher); }
 
 private:
     KeyRecord *walk_to(std::int32_t key_id, const char *what);
     template <typename Callback>
-    std::int32_t add(std::int32_t key_id, const char *what, Callback callback,
+    std::int32_t add(const char *key, const char *what, Callback callback,
                      std::vector<Callback> KeyRecord::*list);
 
     std::vector<KeyRecord> records_;
+    std::function<void(const char *key)> watcher_;
 };
 
 /// The registry of this process.

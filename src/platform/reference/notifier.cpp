@@ -2,7 +2,6 @@
 
 #include "platform/fd.h"
 #include "platform/file.h"
-#include "platform/key_id.h"
 #include "platform/path_root.h"
 
 #include <algorithm>
@@ -20,17 +19,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
-
-std::string list_name(std::string_view key)
-{
-    constexpr std::string_view schedule = "led_time_schedule";
-    if (key.size() > schedule.size() && key.substr(0, schedule.size()) == schedule &&
-        key[schedule.size()] == '_') {
-        return std::string(schedule);
-    }
-    // npos + 1 is 0: digits alone leave nothing.
-    return std::string(key.substr(0, key.find_last_not_of("0123456789") + 1));
-}
 
 SendResult failed(const std::string &what, const std::string &path, int error)
 {
@@ -98,15 +86,6 @@ int wait_for_close(int fd, Clock::time_point deadline)
 }
 
 } // namespace
-
-std::vector<std::string> announced_names(std::string_view key)
-{
-    std::vector<std::string> names{std::string(key)};
-    if (auto list = list_name(key); !list.empty() && list != key) {
-        names.push_back(std::move(list));
-    }
-    return names;
-}
 
 std::vector<AnnouncementGroup> plan_announcements(const std::vector<MarkedKey> &keys)
 {

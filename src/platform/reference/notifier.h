@@ -1,22 +1,17 @@
 #pragma once
 
 #include "platform/control_protocol.h"
+#include "platform/key_id.h"
 #include "platform/reference/store.h"
 
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <string>
-#include <string_view>
 #include <vector>
 
 // How changes of store keys are told to the daemon on its control socket.
 namespace qorcfg {
-
-/// The names that are announced when `key` changes: the key, and the name that stands for a whole
-/// list of keys: the key without the digits at its end ("reservation3" -> "reservation"), or
-/// "led_time_schedule" for "led_time_schedule_<mac>_<n>". A key of digits alone stands for no list.
-std::vector<std::string> announced_names(std::string_view key);
 
 /// One announcement: what happened (a number of `KeyChange`) to the key with this `config_key_id`.
 struct Announcement {
