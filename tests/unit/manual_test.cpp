@@ -107,12 +107,10 @@ TEST_F(ManualTest, EveryOptionStandsWithItsVerb)
     for (const std::string &verb : verbs()) {
         Names known = options(verb);
         ASSERT_EQ(known.erase("--help"), 1U) << verb;
-        Names usage;
-        for (const std::string &line : test::split_lines(section(manual, "### " + verb, "### "))) {
-            if (line.rfind("    qorctl " + verb + " ", 0) == 0) {
-                usage.merge(found(line, option_pattern));
-            }
-        }
+        // The block of usage lines below the title; examples further down do not count.
+        const std::string usage_lines =
+            section(manual, "### " + verb, "### ").substr(("### " + verb + "\n\n").size());
+        const Names usage = found(usage_lines.substr(0, usage_lines.find("\n\n")), option_pattern);
         EXPECT_EQ(usage, known) << "docs/qorctl.md, " << verb;
         Names in_page;
         for (const std::string &line : test::split_lines(pages)) {
@@ -172,10 +170,11 @@ TEST_F(ManualTest, EveryEnvironmentVariableIsExplained)
         known.merge(found(text, R"(\$\{([A-Z_]+):-)"));
     }
     ASSERT_EQ(known.count("QORCFG_ROOT") + known.count("QORCTL"), 2U);
-    const std::string pages =
-        page_section("qorcfg.8", "ENVIRONMENT") + page_section("qorctl.1", "ENVIRONMENT");
     for (const std::string &name : known) {
-        EXPECT_NE(pages.find(".B " + name + "\n"), std::string::npos) << name;
+        for (const char *each : {"qorcfg.8", "qorctl.1"}) {
+            const std::string text = page_section(each, "ENVIRONMENT");
+            EXPECT_NE(text.find(".B " + name + "\n"), std::string::npos) << each << ", " << name;
+        }
         EXPECT_NE(content("docs/operations.md").find("| `" + name + "` |"), std::string::npos)
             << name;
     }
