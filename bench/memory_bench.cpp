@@ -9,7 +9,8 @@
 #include <cstdlib>
 #include <filesystem>
 
-// Private memory of the daemon with the whole sample device: after start-up, and after commits.
+// Private dirty memory of the daemon with the whole sample device: after start-up, and after
+// commits.
 namespace qorcfg::bench {
 namespace {
 
@@ -20,7 +21,7 @@ double private_kib(pid_t pid)
     const std::string path = "/proc/" + std::to_string(pid) + "/smaps_rollup";
     double sum = 0;
     for (const std::string &line : test::split_lines(read_file(path, 1 << 16).value_or(""))) {
-        if (line.rfind("Private_", 0) == 0) {
+        if (line.rfind("Private_Dirty", 0) == 0) {
             sum += std::atof(line.substr(line.find(':') + 1).c_str());
         }
     }

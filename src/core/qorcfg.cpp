@@ -15,6 +15,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <malloc.h>
 #include <string>
 #include <unistd.h>
 
@@ -48,6 +49,15 @@ bool open_socket(ControlServer &server)
     return false;
 }
 
+/// One heap for all threads. A heap for each, as glibc makes them, keeps what it once needed:
+/// memory would grow with the number of workers that ever overlapped.
+void share_one_heap()
+{
+#ifdef M_ARENA_MAX
+    ::mallopt(M_ARENA_MAX, 1);
+#endif
+}
+
 void start_up(const std::string &component_list)
 {
     enable_listed_components(component_list);
@@ -63,6 +73,7 @@ void start_up(const std::string &component_list)
 
 int run_daemon(int argc, char **argv)
 {
+    share_one_heap();
     ignore_write_signals();
     const int stop = watch_stop_signals();
     qorcfg_change_is_trigger = 1;

@@ -124,13 +124,14 @@ std::size_t descriptors_of(pid_t pid)
     return count;
 }
 
-/// Private memory in KiB.
+/// Private dirty memory in KiB. (What is private and clean changes with the other programs that map
+/// the same libraries.)
 long memory_of(pid_t pid)
 {
     std::ifstream file("/proc/" + std::to_string(pid) + "/smaps_rollup");
     long total = 0;
     for (std::string word; file >> word;) {
-        if (word == "Private_Clean:" || word == "Private_Dirty:") {
+        if (word == "Private_Dirty:") {
             long amount = 0;
             file >> amount;
             total += amount;

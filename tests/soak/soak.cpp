@@ -44,7 +44,8 @@ Holdings holdings_of(pid_t pid)
     constexpr std::size_t bound = 1 << 16;
     for (const std::string &line :
          test::split_lines(read_file(process + "/smaps_rollup", bound).value_or(""))) {
-        if (line.rfind("Private_", 0) == 0) {
+        // What is private and clean changes with the other programs that map the same libraries.
+        if (line.rfind("Private_Dirty", 0) == 0) {
             held.private_kib += std::atol(line.substr(line.find(':') + 1).c_str());
         }
     }
