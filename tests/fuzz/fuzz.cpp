@@ -1,6 +1,7 @@
 #include "fuzz/fuzz.h"
 
 #include "platform/file.h"
+#include "platform/reference/store.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -56,7 +57,10 @@ std::vector<std::string> input_parts(const std::string &text, std::size_t count)
 
 const DeviceRoot &fuzz_device()
 {
-    static const DeviceRoot device;
+    static const DeviceRoot device = [] {
+        store_close(); // what the root closes at its end has to live until then
+        return DeviceRoot();
+    }();
     static const bool quiet = [] {
         std::filesystem::remove(device.path("/tmp/qorcfg_debug"));
         return ::dup2(open_file("/dev/null", O_WRONLY).get(), STDOUT_FILENO) >= 0;

@@ -10,6 +10,7 @@
 #include "tools/setting_lines.h"
 
 #include <map>
+#include <set>
 #include <sstream>
 
 using namespace qorcfg;
@@ -61,12 +62,16 @@ bool set_all(const std::string &text)
     return true;
 }
 
+/// Runs each callback once, as a start-up pass or a job that is about all of its keys.
 void run_updates(int trigger)
 {
+    std::set<UpdateCallback> done;
     qorcfg_change_is_trigger = trigger;
     for (const KeyRecord &record : registry().records()) {
         for (const UpdateCallback callback : record.normal) {
-            callback(1);
+            if (done.insert(callback).second) {
+                callback(1);
+            }
         }
     }
     qorcfg_change_is_trigger = 0;

@@ -76,9 +76,12 @@ std::string GeneratedDocument::value()
     std::string text;
     for (std::size_t count = 1 + roll_(5); count > 0; --count) {
         const std::size_t piece = roll_(pieces.size() + 1);
-        constexpr std::size_t most = 255;
-        text += piece < pieces.size() ? pieces.at(piece)
-                                      : std::string(1, static_cast<char>(1 + roll_(most)));
+        // UCI stores no other control bytes than those among the pieces.
+        constexpr std::size_t first = ' ';
+        constexpr std::size_t count_of_bytes = 256;
+        text += piece < pieces.size()
+                    ? pieces.at(piece)
+                    : std::string(1, static_cast<char>(first + roll_(count_of_bytes - first)));
     }
     return text;
 }
