@@ -46,6 +46,7 @@ void take_keys(Facts &facts, const Names &names)
 void write_settings(const std::vector<std::string> &keys, const char *value)
 {
     std::vector<StoreWrite> writes;
+    writes.reserve(keys.size());
     for (const std::string &key : keys) {
         writes.push_back(
             {key, value == nullptr ? std::nullopt : std::optional<std::string>(value)});

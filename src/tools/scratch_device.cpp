@@ -35,7 +35,7 @@ void lay(const fs::path &root)
     std::ofstream(root / "tmp/cache/systeminfo/boarddata.info") << R"({"board_region": "WW"})";
     // The wireless components do not run without a package, and report each fact that is missing.
     const fs::path packages = root / "etc/config";
-    std::ofstream(packages / "wireless");
+    std::ofstream(packages / "wireless") << "";
     std::ofstream(packages / "systeminfo") << "config systeminfo 'sysinfo'\n"
                                               "\toption kova_type 'Base'\n"
                                               "config systeminfo 'boarddata'\n"
