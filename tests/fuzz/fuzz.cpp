@@ -1,5 +1,6 @@
 #include "fuzz/fuzz.h"
 
+#include "core/base/log.h"
 #include "platform/file.h"
 #include "platform/reference/store.h"
 
@@ -61,8 +62,8 @@ const DeviceRoot &fuzz_device()
         store_close(); // what the root closes at its end has to live until then
         return DeviceRoot();
     }();
+    static const LogSilence silence;
     static const bool quiet = [] {
-        std::filesystem::remove(device.path("/tmp/qorcfg_debug"));
         return ::dup2(open_file("/dev/null", O_WRONLY).get(), STDOUT_FILENO) >= 0;
     }();
     require(quiet, "standard output goes nowhere");
