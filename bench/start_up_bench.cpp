@@ -43,9 +43,6 @@ protected:
         for (const std::string &name : device_->names_in(folder)) {
             fs::remove(device_->path(std::string(folder) + "/" + name));
         }
-        for (const std::string &name : device_->names_in("/tmp/etc/config")) {
-            fs::remove(device_->path("/tmp/etc/config/" + name));
-        }
     }
     std::map<std::string, std::string> files() const
     {
