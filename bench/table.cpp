@@ -62,10 +62,7 @@ private:
         }
         constexpr double microseconds_in_a_second = 1e6;
         const double iterations = run.iterations == 0 ? 1.0 : static_cast<double>(run.iterations);
-        const double seconds = run.run_type == Run::RT_Aggregate
-                                   ? run.real_accumulated_time
-                                   : run.real_accumulated_time / iterations;
-        const double time = seconds * microseconds_in_a_second;
+        const double time = run.real_accumulated_time / iterations * microseconds_in_a_second;
         if (const std::string of = measured_by(name); !of.empty()) {
             floors_[of] = time;
             return;

@@ -4,20 +4,9 @@
 
 #include <cerrno>
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 
 namespace qorcfg {
-
-bool change_lock(const Fd &fd, int operation)
-{
-    while (::flock(fd.get(), operation) != 0) {
-        if (errno != EINTR) {
-            return false;
-        }
-    }
-    return true;
-}
 
 Fd lock_current_file(const std::string &path, int flags, int operation)
 {
@@ -27,7 +16,7 @@ Fd lock_current_file(const std::string &path, int flags, int operation)
     for (int attempt = 1;; ++attempt) {
         Fd fd = open_file(path, flags | O_NOCTTY | O_NONBLOCK);
         struct stat opened {};
-        if (!fd || ::fstat(fd.get(), &opened) != 0 || !change_lock(fd, operation)) {
+        if (!fd || ::fstat(fd.get(), &opened) != 0 || !take_lock(fd, operation)) {
             return {};
         }
         if (!S_ISREG(opened.st_mode)) {

@@ -11,7 +11,4 @@ namespace qorcfg {
 /// empty Fd and errno on failure, ENOENT for a missing file.
 Fd lock_current_file(const std::string &path, int flags, int operation);
 
-/// Changes the kind of a lock that is held.
-bool change_lock(const Fd &fd, int operation);
-
 } // namespace qorcfg

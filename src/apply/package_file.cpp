@@ -167,7 +167,7 @@ PackageFile::Held PackageFile::hold()
             return Held::failed;
         }
     }
-    if (!change_lock(lock_, LOCK_EX)) {
+    if (!take_lock(lock_, LOCK_EX)) {
         fail(path_, errno);
         return Held::failed;
     }

@@ -12,6 +12,7 @@
 
 #include <fcntl.h>
 #include <string>
+#include <unistd.h>
 
 namespace qorcfg {
 
@@ -28,7 +29,7 @@ std::string batch_base()
 void make_target_file(const std::string &package)
 {
     const std::string path = bounded_path(std::string(target_folder) + "/" + package);
-    if (open_file(rooted(path), O_RDONLY)) {
+    if (::access(rooted(path).c_str(), R_OK) == 0) {
         return;
     }
     constexpr mode_t mode = 0644;

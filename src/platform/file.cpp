@@ -19,21 +19,26 @@ std::string folder_of(const std::string &path)
     return slash == 0 ? "/" : path.substr(0, slash);
 }
 
-std::string unique_temporary(const std::string &path)
+std::string unique_temporary(const std::string &name)
 {
     static std::atomic<unsigned> counter{0};
-    return path + "." + std::to_string(::getpid()) + "-" + std::to_string(++counter) + ".tmp";
+    return name + "." + std::to_string(::getpid()) + "-" + std::to_string(++counter) + ".tmp";
+}
+
+Fd open_file_in(int folder, const std::string &name, int flags, mode_t mode)
+{
+    int fd = -1;
+    do {
+        fd = ::openat(folder, name.c_str(), flags | O_CLOEXEC, mode);
+    } while (fd < 0 && errno == EINTR);
+    return Fd(fd);
 }
 
 } // namespace
 
 Fd open_file(const std::string &path, int flags, mode_t mode)
 {
-    int fd = -1;
-    do {
-        fd = ::open(path.c_str(), flags | O_CLOEXEC, mode);
-    } while (fd < 0 && errno == EINTR);
-    return Fd(fd);
+    return open_file_in(AT_FDCWD, path, flags, mode);
 }
 
 std::optional<std::string> read_file(const std::string &path, std::size_t bound)
@@ -115,33 +120,42 @@ bool is_same_version(const struct stat &a, const struct stat &b)
            a.st_mtim.tv_sec == b.st_mtim.tv_sec && a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
 }
 
+bool take_lock(const Fd &fd, int operation)
+{
+    while (::flock(fd.get(), operation) != 0) {
+        if (errno != EINTR) {
+            return false;
+        }
+    }
+    return true;
+}
+
 Fd lock_path(const std::string &path, int operation)
 {
     Fd fd = open_file(path, O_RDONLY);
-    if (!fd) {
-        return fd;
-    }
-    while (::flock(fd.get(), operation) != 0) {
-        if (errno != EINTR) {
-            return {};
-        }
-    }
-    return fd;
+    return fd && take_lock(fd, operation) ? std::move(fd) : Fd();
 }
 
-AtomicFile::AtomicFile(std::string path, mode_t mode, std::string_view suffix)
-    : path_(std::move(path))
+AtomicFile::AtomicFile(const std::string &path, mode_t mode, std::string_view suffix)
+    : folder_(open_file(folder_of(path), O_RDONLY | O_DIRECTORY)),
+      name_(path.substr(path.rfind('/') + 1)),
+      temporary_(suffix.empty() ? unique_temporary(name_) : name_ + std::string(suffix))
 {
-    temporary_ = suffix.empty() ? unique_temporary(path_) : path_ + std::string(suffix);
-    ::unlink(temporary_.c_str());
-    fd_ = open_file(temporary_, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
+    constexpr int flags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW;
+    if (folder_) {
+        fd_ = open_file_in(folder_.get(), temporary_, flags, 0600);
+        if (!fd_ && errno == EEXIST && ::unlinkat(folder_.get(), temporary_.c_str(), 0) == 0) {
+            fd_ = open_file_in(folder_.get(), temporary_, flags, 0600);
+        }
+    }
     if (!fd_) {
         fail();
         done_ = true; // no temporary of ours to remove
         return;
     }
     struct stat old {};
-    const bool replaces = ::stat(path_.c_str(), &old) == 0 && S_ISREG(old.st_mode);
+    const bool replaces =
+        ::fstatat(folder_.get(), name_.c_str(), &old, 0) == 0 && S_ISREG(old.st_mode);
     if (replaces && (old.st_uid != ::geteuid() || old.st_gid != ::getegid()) &&
         ::fchown(fd_.get(), old.st_uid, old.st_gid) != 0) {
         fail();
@@ -156,7 +170,7 @@ AtomicFile::~AtomicFile()
 {
     if (!done_) {
         const int saved_errno = errno;
-        ::unlink(temporary_.c_str());
+        ::unlinkat(folder_.get(), temporary_.c_str(), 0);
         errno = saved_errno;
     }
 }
@@ -190,12 +204,13 @@ bool AtomicFile::commit()
     if (!prepare()) {
         return false;
     }
-    if (::rename(temporary_.c_str(), path_.c_str()) != 0) {
+    const int folder = folder_.get();
+    if (::renameat(folder, temporary_.c_str(), folder, name_.c_str()) != 0) {
         return fail();
     }
     done_ = true;
     // The new content stands already; a folder that cannot be synced is no reason to fail.
-    sync_folder_of(path_);
+    ::fsync(folder);
     return true;
 }
 

@@ -33,6 +33,10 @@ bool append_all(int fd, std::string_view text);
 /// Whether two looks at a path met the same file, unchanged in between.
 bool is_same_version(const struct stat &a, const struct stat &b);
 
+/// Takes a flock(2) lock, or changes the kind of one that is held, waiting for it. False and errno
+/// on failure.
+bool take_lock(const Fd &fd, int operation);
+
 /// Takes a flock(2) lock (LOCK_SH or LOCK_EX) on `path`, which must exist, waiting for it. The lock
 /// goes with the returned descriptor. An empty Fd and errno on failure.
 Fd lock_path(const std::string &path, int operation);
@@ -42,12 +46,12 @@ Fd lock_path(const std::string &path, int operation);
 /// The content goes to a temporary file in the same folder; `commit` makes it durable and renames
 /// it over the old one. The new file takes over owner and mode of a file that it replaces; a new
 /// one gets `mode`. A temporary that was not committed is removed with the object, so a failure
-/// leaves the old file and nothing else.
+/// leaves the old file and nothing else. The folder is looked up once, at the beginning.
 class AtomicFile {
 public:
     /// Opens the temporary: `path` + `suffix`, replacing a left-over of that name, or a name of its
     /// own when `suffix` is empty, so that several writers of one path do not meet. Check `ok`.
-    AtomicFile(std::string path, mode_t mode, std::string_view suffix = {});
+    AtomicFile(const std::string &path, mode_t mode, std::string_view suffix = {});
     ~AtomicFile();
     AtomicFile(const AtomicFile &) = delete;
     AtomicFile &operator=(const AtomicFile &) = delete;
@@ -67,7 +71,8 @@ public:
 private:
     bool fail();
 
-    std::string path_;
+    Fd folder_;
+    std::string name_;
     std::string temporary_;
     Fd fd_;
     int error_ = 0;

@@ -118,10 +118,8 @@ std::string fault(std::string_view what, const std::string &path, int status)
 
 Fd lock_file(const std::string &path)
 {
-    if (!open_file(path, O_RDWR | O_CREAT | O_NOFOLLOW, 0600)) {
-        return {};
-    }
-    return lock_path(path, LOCK_EX);
+    Fd fd = open_file(path, O_RDWR | O_CREAT | O_NOFOLLOW, 0600);
+    return fd && take_lock(fd, LOCK_EX) ? std::move(fd) : Fd();
 }
 
 bool make_folder(const std::string &path)

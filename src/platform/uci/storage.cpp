@@ -31,16 +31,6 @@ LockedFile open_plain(const std::string &path, Access access, mode_t mode)
     return file;
 }
 
-bool lock(const Fd &fd, int operation)
-{
-    while (::flock(fd.get(), operation) != 0) {
-        if (errno != EINTR) {
-            return false;
-        }
-    }
-    return true;
-}
-
 } // namespace
 
 LockedFile open_locked(const std::string &path, Access access, mode_t mode)
@@ -58,7 +48,7 @@ LockedFile open_locked(const std::string &path, Access access, mode_t mode)
             errno = ENOENT;
             return {};
         }
-        if (!lock(file.fd, access == Access::read ? LOCK_SH : LOCK_EX)) {
+        if (!take_lock(file.fd, access == Access::read ? LOCK_SH : LOCK_EX)) {
             return {};
         }
         struct stat named {};
