@@ -3,6 +3,7 @@
 #include "platform/file.h"
 
 #include <cctype>
+#include <cstring>
 #include <limits>
 #include <memory>
 
@@ -104,10 +105,15 @@ json_object *json_element(json_object *array, std::size_t index)
                : nullptr;
 }
 
-std::string json_value_text(json_object *value)
+std::string_view json_value_view(json_object *value)
 {
     const char *text = value == nullptr ? nullptr : json_object_get_string(value);
-    return text == nullptr ? "" : text;
+    return text == nullptr ? std::string_view() : text;
+}
+
+std::string json_value_text(json_object *value)
+{
+    return std::string(json_value_view(value));
 }
 
 namespace {
@@ -122,6 +128,44 @@ std::string_view compact_view(json_object *value)
     return text == nullptr ? std::string_view() : std::string_view(text, length);
 }
 
+std::string_view string_of(json_object *value)
+{
+    return {json_object_get_string(value),
+            static_cast<std::size_t>(json_object_get_string_len(value))};
+}
+
+bool have_equal_members(json_object *left, json_object *right)
+{
+    if (json_object_object_length(left) != json_object_object_length(right)) {
+        return false;
+    }
+    const json_object_iterator end = json_object_iter_end(left);
+    json_object_iterator a = json_object_iter_begin(left);
+    json_object_iterator b = json_object_iter_begin(right);
+    for (; json_object_iter_equal(&a, &end) == 0;
+         json_object_iter_next(&a), json_object_iter_next(&b)) {
+        if (std::strcmp(json_object_iter_peek_name(&a), json_object_iter_peek_name(&b)) != 0 ||
+            !json_equal(json_object_iter_peek_value(&a), json_object_iter_peek_value(&b))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool have_equal_elements(json_object *left, json_object *right)
+{
+    const std::size_t length = json_object_array_length(left);
+    if (json_object_array_length(right) != length) {
+        return false;
+    }
+    for (std::size_t i = 0; i < length; ++i) {
+        if (!json_equal(json_object_array_get_idx(left, i), json_object_array_get_idx(right, i))) {
+            return false;
+        }
+    }
+    return true;
+}
+
 } // namespace
 
 std::string json_compact_text(json_object *value)
@@ -129,9 +173,24 @@ std::string json_compact_text(json_object *value)
     return std::string(compact_view(value));
 }
 
+// Two values have the same text when their parts have; printing them is left to numbers, as a text
+// that json-c has printed stays with its value and doubles the memory of a document.
 bool json_equal(json_object *left, json_object *right)
 {
-    return left == right || compact_view(left) == compact_view(right);
+    if (left == right) {
+        return true;
+    }
+    if (is_json_object(left) && is_json_object(right)) {
+        return have_equal_members(left, right);
+    }
+    if (is_json_array(left) && is_json_array(right)) {
+        return have_equal_elements(left, right);
+    }
+    if (json_object_is_type(left, json_type_string) != 0 &&
+        json_object_is_type(right, json_type_string) != 0) {
+        return string_of(left) == string_of(right);
+    }
+    return compact_view(left) == compact_view(right);
 }
 
 bool json_set(json_object *object, const char *key, Json value)

@@ -68,6 +68,8 @@ json_object *json_element(json_object *array, std::size_t index);
 /// The value as text: a string as it is, numbers and booleans as json-c prints them, containers as
 /// json-c's spaced text; "" for null.
 std::string json_value_text(json_object *value);
+/// The same without a copy; it lasts until `value` is printed, changed or freed.
+std::string_view json_value_view(json_object *value);
 
 /// json-c's compact text, by which two values are compared: another order of members is a
 /// difference.

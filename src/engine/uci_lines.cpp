@@ -23,12 +23,12 @@ void append_options(std::string &lines, std::string_view package, std::string_vi
     for_each_member(options, [&](const char *option, json_object *value) {
         if (!is_json_array(value)) {
             append_line(lines,
-                        {"set ", package, ".", section, ".", option, "=", json_value_text(value)});
+                        {"set ", package, ".", section, ".", option, "=", json_value_view(value)});
             return;
         }
         for (std::size_t i = 0; i < json_size(value); ++i) {
             append_line(lines, {"add_list ", package, ".", section, ".", option, "=",
-                                json_value_text(json_element(value, i))});
+                                json_value_view(json_element(value, i))});
         }
     });
 }
