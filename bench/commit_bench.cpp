@@ -53,7 +53,7 @@ void Commit(benchmark::State &state)
     daemon.start();
     fs::remove(device.path("/tmp/qorcfg_debug"));
     fs::remove(device.path("/etc/qorcfg.d/commit.sh"));
-    fs::copy_file("/bin/true", device.path("/etc/qorcfg.d/commit.sh"));
+    fs::create_symlink("/bin/true", device.path("/etc/qorcfg.d/commit.sh"));
     const std::string status = device.path(status_path);
     const std::string announcement = "2:" + std::to_string(config_key_id("Device_name"));
     int count = 0;

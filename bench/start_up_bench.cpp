@@ -58,7 +58,7 @@ protected:
     std::unique_ptr<test::DeviceRoot> device_;
 };
 
-BENCHMARK_F(StartUp, Pass)(benchmark::State &state)
+BENCHMARK_DEFINE_F(StartUp, Pass)(benchmark::State &state)
 {
     for (auto _ : state) {
         state.PauseTiming();
@@ -68,6 +68,7 @@ BENCHMARK_F(StartUp, Pass)(benchmark::State &state)
     }
     set_goal(state, 3.0);
 }
+BENCHMARK_REGISTER_F(StartUp, Pass)->Repetitions(3)->ReportAggregatesOnly();
 
 bool write_file(const std::string &path, const std::string &text)
 {
@@ -77,7 +78,7 @@ bool write_file(const std::string &path, const std::string &text)
     return written;
 }
 
-BENCHMARK_F(StartUp, PassFloor)(benchmark::State &state)
+BENCHMARK_DEFINE_F(StartUp, PassFloor)(benchmark::State &state)
 {
     run_startup_pass();
     const auto files = this->files();
@@ -96,6 +97,7 @@ BENCHMARK_F(StartUp, PassFloor)(benchmark::State &state)
         }
     }
 }
+BENCHMARK_REGISTER_F(StartUp, PassFloor)->Repetitions(3)->ReportAggregatesOnly();
 
 } // namespace
 } // namespace qorcfg::bench
