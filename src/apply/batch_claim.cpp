@@ -1,9 +1,9 @@
 #include "apply/batch_claim.h"
 
 #include "platform/file.h"
+#include "platform/file_calls.h"
 
 #include <cerrno>
-#include <cstdio>
 #include <sys/file.h>
 #include <unistd.h>
 
@@ -12,7 +12,7 @@ namespace qorcfg {
 bool change_state(BatchFile &file, BatchState state)
 {
     const std::string target = file.path(state);
-    if (std::rename(file.path().c_str(), target.c_str()) != 0) {
+    if (file_calls::rename(file.path().c_str(), target.c_str()) != 0) {
         return false;
     }
     file.state = state;
@@ -29,19 +29,19 @@ bool claim(BatchFile &file)
 
 bool remove_batch(const BatchFile &file)
 {
-    return ::unlink(file.path().c_str()) == 0;
+    return file_calls::unlink(file.path().c_str()) == 0;
 }
 
 bool keep_failed_copy(const BatchFile &file)
 {
     const std::string kept = file.failed_path();
-    return (::unlink(kept.c_str()) == 0 || errno == ENOENT) &&
-           ::link(file.path().c_str(), kept.c_str()) == 0;
+    return (file_calls::unlink(kept.c_str()) == 0 || errno == ENOENT) &&
+           file_calls::link(file.path().c_str(), kept.c_str()) == 0;
 }
 
 bool put_aside(const BatchFile &file)
 {
-    return std::rename(file.path().c_str(), file.failed_path().c_str()) == 0;
+    return file_calls::rename(file.path().c_str(), file.failed_path().c_str()) == 0;
 }
 
 } // namespace qorcfg

@@ -2,6 +2,7 @@
 
 #include "apply/locked_file.h"
 #include "apply/merge_sections.h"
+#include "platform/file_calls.h"
 #include "platform/path_root.h"
 
 #include <algorithm>
@@ -162,7 +163,8 @@ PackageFile::Held PackageFile::hold()
         if (!lock_) {
             return errno == EEXIST || fail(path_, errno) ? Held::changed : Held::failed;
         }
-        if (::fchmod(lock_.get(), private_mode) != 0 || ::fstat(lock_.get(), &seen_) != 0) {
+        if (file_calls::fchmod(lock_.get(), private_mode) != 0 ||
+            ::fstat(lock_.get(), &seen_) != 0) {
             fail(path_, errno);
             return Held::failed;
         }
@@ -193,8 +195,8 @@ void PackageFile::drop_staged_changes()
     }
     // What was staged since then stays.
     const std::string rest = text->substr(staged_.size());
-    if (::pwrite(changes.get(), rest.data(), rest.size(), 0) == static_cast<ssize_t>(rest.size()) &&
-        ::ftruncate(changes.get(), static_cast<off_t>(rest.size())) != 0) {
+    if (::lseek(changes.get(), 0, SEEK_SET) != 0 || !write_all(changes.get(), rest) ||
+        file_calls::ftruncate(changes.get(), static_cast<off_t>(rest.size())) != 0) {
         fail(staged_path(name_), errno);
     }
 }

@@ -6,6 +6,7 @@
 #include "core/base/hooks.h"
 #include "engine/uci_commit.h"
 #include "platform/file.h"
+#include "platform/file_calls.h"
 #include "platform/path_root.h"
 
 #include <array>
@@ -116,7 +117,7 @@ std::string publish_types()
     for_each_numbered_key("kova_dev_type_zltx", 1,
                           [&](int, const std::string &value) { lines += value + "\n"; });
     const std::string folder = rooted(type_folder);
-    if (::mkdir(folder.c_str(), type_folder_mode) == 0) {
+    if (file_calls::mkdir(folder.c_str(), type_folder_mode) == 0) {
         ::chmod(folder.c_str(), type_folder_mode);
     }
     if (!replace_file(rooted(type_file), lines, shared_file_mode)) {

@@ -1,6 +1,7 @@
 #include "core/control_server.h"
 
 #include "platform/control_protocol.h"
+#include "platform/file_calls.h"
 #include "platform/path_root.h"
 
 #include <algorithm>
@@ -29,7 +30,7 @@ bool bind_to(int socket, const std::string &path)
         return false;
     }
     std::memcpy(address.sun_path, path.c_str(), path.size());
-    ::unlink(path.c_str());
+    file_calls::unlink(path.c_str());
     // Only root's own programs may announce changes.
     constexpr mode_t owner_only = 0177;
     const mode_t old_mask = ::umask(owner_only);

@@ -4,10 +4,10 @@
 #include "core/base/log.h"
 #include "engine/batch_time.h"
 #include "platform/file.h"
+#include "platform/file_calls.h"
 #include "platform/job_number.h"
 #include "platform/path_root.h"
 
-#include <array>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -26,12 +26,6 @@ constexpr mode_t private_mode = 0600; // documents hold passwords
 
 /// The new snapshot lies under this ending from before the lines are written until it is renamed.
 constexpr std::string_view pending_suffix = ".new";
-
-bool set_time(int fd, const timespec &time)
-{
-    const std::array<timespec, 2> times{timespec{0, UTIME_OMIT}, time};
-    return ::futimens(fd, times.data()) == 0;
-}
 
 } // namespace
 
@@ -57,8 +51,8 @@ Transaction::Transaction(const DocumentFiles &files)
     }
     if (batch_) {
         // The place of this file among those of its job, even when no line follows.
-        ::fchmod(batch_.get(), private_mode);
-        set_time(batch_.get(), next_batch_time());
+        file_calls::fchmod(batch_.get(), private_mode);
+        file_calls::set_modified(batch_.get(), next_batch_time());
     }
 }
 
@@ -111,7 +105,7 @@ bool Transaction::finish(std::string_view lines, json_object *document, std::opt
         return false;
     }
     if (!lines.empty()) {
-        set_time(batch_.get(), next_batch_time());
+        file_calls::set_modified(batch_.get(), next_batch_time());
         print_lines(lines);
     }
     if (!snapshot.commit()) {

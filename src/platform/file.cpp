@@ -1,4 +1,5 @@
 #include "platform/file.h"
+#include "platform/file_calls.h"
 
 #include <atomic>
 #include <cerrno>
@@ -29,7 +30,7 @@ Fd open_file_in(int folder, const std::string &name, int flags, mode_t mode)
 {
     int fd = -1;
     do {
-        fd = ::openat(folder, name.c_str(), flags | O_CLOEXEC, mode);
+        fd = file_calls::openat(folder, name.c_str(), flags | O_CLOEXEC, mode);
     } while (fd < 0 && errno == EINTR);
     return Fd(fd);
 }
@@ -81,7 +82,7 @@ std::optional<std::string> read_descriptor(int fd, std::size_t bound)
 bool write_all(int fd, std::string_view text)
 {
     while (!text.empty()) {
-        const ssize_t written = ::write(fd, text.data(), text.size());
+        const ssize_t written = file_calls::write(fd, text.data(), text.size());
         if (written > 0) {
             text.remove_prefix(static_cast<std::size_t>(written));
         } else if (written == 0) {
@@ -107,7 +108,7 @@ bool append_all(int fd, std::string_view text)
         return true;
     }
     const int saved_errno = errno;
-    if (::ftruncate(fd, length) != 0) {
+    if (file_calls::ftruncate(fd, length) != 0) {
         // Nothing more can be done: the caller reports the write error.
     }
     errno = saved_errno;
@@ -144,7 +145,8 @@ AtomicFile::AtomicFile(const std::string &path, mode_t mode, std::string_view su
     constexpr int flags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW;
     if (folder_) {
         fd_ = open_file_in(folder_.get(), temporary_, flags, 0600);
-        if (!fd_ && errno == EEXIST && ::unlinkat(folder_.get(), temporary_.c_str(), 0) == 0) {
+        if (!fd_ && errno == EEXIST &&
+            file_calls::unlinkat(folder_.get(), temporary_.c_str()) == 0) {
             fd_ = open_file_in(folder_.get(), temporary_, flags, 0600);
         }
     }
@@ -157,11 +159,11 @@ AtomicFile::AtomicFile(const std::string &path, mode_t mode, std::string_view su
     const bool replaces =
         ::fstatat(folder_.get(), name_.c_str(), &old, 0) == 0 && S_ISREG(old.st_mode);
     if (replaces && (old.st_uid != ::geteuid() || old.st_gid != ::getegid()) &&
-        ::fchown(fd_.get(), old.st_uid, old.st_gid) != 0) {
+        file_calls::fchown(fd_.get(), old.st_uid, old.st_gid) != 0) {
         fail();
         return;
     }
-    if (::fchmod(fd_.get(), replaces ? old.st_mode & 07777 : mode) != 0) {
+    if (file_calls::fchmod(fd_.get(), replaces ? old.st_mode & 07777 : mode) != 0) {
         fail();
     }
 }
@@ -170,7 +172,7 @@ AtomicFile::~AtomicFile()
 {
     if (!done_) {
         const int saved_errno = errno;
-        ::unlinkat(folder_.get(), temporary_.c_str(), 0);
+        file_calls::unlinkat(folder_.get(), temporary_.c_str());
         errno = saved_errno;
     }
 }
@@ -193,7 +195,7 @@ bool AtomicFile::prepare()
     if (!ok()) {
         return false;
     }
-    if (fd_ && (::fsync(fd_.get()) != 0 || ::close(fd_.release()) != 0)) {
+    if (fd_ && (file_calls::fsync(fd_.get()) != 0 || file_calls::close(fd_.release()) != 0)) {
         return fail();
     }
     return true;
@@ -204,13 +206,12 @@ bool AtomicFile::commit()
     if (!prepare()) {
         return false;
     }
-    const int folder = folder_.get();
-    if (::renameat(folder, temporary_.c_str(), folder, name_.c_str()) != 0) {
+    if (file_calls::renameat(folder_.get(), temporary_.c_str(), name_.c_str()) != 0) {
         return fail();
     }
     done_ = true;
     // The new content stands already; a folder that cannot be synced is no reason to fail.
-    ::fsync(folder);
+    file_calls::fsync(folder_.get());
     return true;
 }
 
@@ -227,7 +228,7 @@ bool replace_file(const std::string &path, std::string_view text, mode_t mode)
 bool sync_folder_of(const std::string &path)
 {
     const Fd folder = open_file(folder_of(path), O_RDONLY | O_DIRECTORY);
-    return folder && ::fsync(folder.get()) == 0;
+    return folder && file_calls::fsync(folder.get()) == 0;
 }
 
 } // namespace qorcfg

@@ -2,6 +2,7 @@
 
 #include "core/base/log.h"
 #include "platform/file.h"
+#include "platform/file_calls.h"
 
 #include <cerrno>
 #include <cstring>
@@ -20,10 +21,10 @@ void write_status_file(const std::string &path, std::string_view text)
     }
     struct stat info {};
     if (::fstat(file.get(), &info) == 0 && info.st_size == 0) {
-        ::fchmod(file.get(), mode);
+        file_calls::fchmod(file.get(), mode);
     }
     if (!write_all(file.get(), text) ||
-        ::ftruncate(file.get(), static_cast<off_t>(text.size())) != 0) {
+        file_calls::ftruncate(file.get(), static_cast<off_t>(text.size())) != 0) {
         QORCFG_LOG("cannot write %s: %s", path.c_str(), std::strerror(errno));
     }
 }

@@ -1,6 +1,7 @@
 #include "platform/reference/store_environment.h"
 
 #include "platform/file.h"
+#include "platform/file_calls.h"
 #include "platform/path_root.h"
 #include "platform/reference/store.h"
 #include "platform/reference/store_persistent.h"
@@ -124,7 +125,7 @@ Fd lock_file(const std::string &path)
 
 bool make_folder(const std::string &path)
 {
-    if (::mkdir(path.c_str(), 0755) == 0) {
+    if (file_calls::mkdir(path.c_str(), 0755) == 0) {
         return ::chmod(path.c_str(), 0755) == 0;
     }
     return errno == EEXIST;

@@ -1,6 +1,7 @@
 #include "platform/reference/store_persistent.h"
 
 #include "platform/file.h"
+#include "platform/file_calls.h"
 #include "platform/path_root.h"
 #include "platform/reference/store_environment.h"
 
@@ -131,7 +132,7 @@ bool means_damage(int status)
 std::string set_aside(const std::string &path, const std::string &reason)
 {
     const std::string aside = path + ".damaged";
-    if (::rename(path.c_str(), aside.c_str()) != 0) {
+    if (file_calls::rename(path.c_str(), aside.c_str()) != 0) {
         return fault("cannot set aside the damaged", path, errno);
     }
     sync_folder_of(path);
@@ -186,7 +187,7 @@ std::string restore_missing_store(const std::string &live)
         return "";
     }
     // The lock file of a store that was removed counts transactions which the new one never saw.
-    ::unlink((live + "-lock").c_str());
+    file_calls::unlink((live + "-lock").c_str());
     const std::string path = persistent_path();
     const auto copy = read_file(path, map_size + 64);
     if (!copy) {

@@ -4,6 +4,7 @@
 #include "platform/uci/lookup.h"
 
 #include "platform/file.h"
+#include "platform/file_calls.h"
 
 #include <climits>
 #include <cstdlib>
@@ -37,7 +38,7 @@ public:
     ~HeldConfig()
     {
         if (file_.created && !kept_) {
-            ::unlink(path_.c_str());
+            file_calls::unlink(path_.c_str());
         }
     }
 
@@ -90,7 +91,7 @@ int Context::replay_saved(Package &package)
 
 LockedFile Context::open_changes(const Package &package)
 {
-    ::mkdir(savedir, mode_of(confdir, 0700));
+    file_calls::mkdir(savedir, mode_of(confdir, 0700));
     return open_locked(change_path(savedir, package), Access::create,
                        mode_of(confdir_ + "/" + std::string(package.name()), 0600));
 }

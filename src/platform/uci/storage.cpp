@@ -1,6 +1,7 @@
 #include "platform/uci/storage.h"
 
 #include "platform/file.h"
+#include "platform/file_calls.h"
 
 #include <cerrno>
 #include <cstddef>
@@ -72,7 +73,7 @@ bool shorten_to(const LockedFile &file, std::string_view text)
 {
     const int fd = file.fd.get();
     return ::lseek(fd, 0, SEEK_SET) == 0 && write_all(fd, text) &&
-           ::ftruncate(fd, static_cast<off_t>(text.size())) == 0;
+           file_calls::ftruncate(fd, static_cast<off_t>(text.size())) == 0;
 }
 
 mode_t mode_of(const std::string &path, mode_t otherwise)
