@@ -27,6 +27,23 @@ constexpr mode_t private_mode = 0600; // documents hold passwords
 /// The new snapshot lies under this ending from before the lines are written until it is renamed.
 constexpr std::string_view pending_suffix = ".new";
 
+/// A daemon that was killed amid a write may have left half a line. What follows must not become
+/// the rest of it.
+bool drop_cut_off_line(int fd)
+{
+    const off_t length = ::lseek(fd, 0, SEEK_END);
+    off_t end = length;
+    for (char last = 0; end > 0; --end) {
+        if (::pread(fd, &last, 1, end - 1) != 1) {
+            return false;
+        }
+        if (last == '\n') {
+            break;
+        }
+    }
+    return end == length || file_calls::ftruncate(fd, end) == 0;
+}
+
 } // namespace
 
 Transaction::Writer &Transaction::writer_of(const std::string &snapshot)
@@ -47,7 +64,10 @@ Transaction::Transaction(const DocumentFiles &files)
       folder_lock_(lock_path(files_.folder, LOCK_SH))
 {
     if (folder_lock_) {
-        batch_ = open_file(files_.batch, O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW, private_mode);
+        batch_ = open_file(files_.batch, O_RDWR | O_APPEND | O_CREAT | O_NOFOLLOW, private_mode);
+    }
+    if (batch_ && !drop_cut_off_line(batch_.get())) {
+        batch_.reset();
     }
     if (batch_) {
         // The place of this file among those of its job, even when no line follows.
@@ -100,19 +120,22 @@ bool Transaction::finish(std::string_view lines, json_object *document, std::opt
                    std::strerror(snapshot.error()));
         return false;
     }
-    if (!append_all(batch_.get(), lines)) {
+    const off_t length = ::lseek(batch_.get(), 0, SEEK_END);
+    if (length < 0 || !append_all(batch_.get(), lines)) {
         QORCFG_LOG("cannot append to %s: %s", files_.batch.c_str(), std::strerror(errno));
         return false;
     }
     if (!lines.empty()) {
         file_calls::set_modified(batch_.get(), next_batch_time());
-        print_lines(lines);
     }
     if (!snapshot.commit()) {
         QORCFG_LOG("cannot replace snapshot %s: %s", files_.snapshot.c_str(),
                    std::strerror(snapshot.error()));
+        // The next write compares with the old snapshot and carries these lines again.
+        file_calls::ftruncate(batch_.get(), length);
         return false;
     }
+    print_lines(lines);
     if (job) {
         writer_.last_job = *job;
     }

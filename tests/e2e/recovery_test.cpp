@@ -95,7 +95,7 @@ TEST_F(RecoveryTest, AFullDiskLosesNothingOnceSpaceIsBack)
     // The job's batch file is as large as a file may be; others still have room.
     constexpr rlim_t limit = 16384;
     const std::string batch = "/tmp/cache/qorcfg/ucicfg.d/uci_update1.systemconfig.system";
-    const std::string filler(limit, '#');
+    const std::string filler = std::string(limit - 1, '#') + '\n';
     device_.write(batch, filler);
     fs::remove(device_.path("/tmp/qorcfg_debug"));
     const rlimit full{limit, RLIM_INFINITY};

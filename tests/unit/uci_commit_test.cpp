@@ -259,6 +259,34 @@ TEST_F(UciCommitTest, AFullDiskLosesNothingOnceSpaceIsBack)
                                            "set net.lan.proto=static", "set net.lan.ipaddr=2"}));
 }
 
+TEST_F(UciCommitTest, LinesWhoseSnapshotCannotBeReplacedAreTakenBack)
+{
+    change(static_lan);
+    const std::string snapshot = "/tmp/cache/qorcfg/ucicfg.d/uci-net-part.json";
+    std::filesystem::rename(device_.path(snapshot), device_.path("/tmp/kept"));
+    device_.write(snapshot + "/in_the_way", "");
+    device_.write("/tmp/cache/qorcfg/ucicfg.d/uci_update2.net.part", "set net.x=t\n");
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(change(moved_lan, 2), Lines{});
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    std::filesystem::remove_all(device_.path(snapshot));
+    std::filesystem::rename(device_.path("/tmp/kept"), device_.path(snapshot));
+    EXPECT_EQ(change(moved_lan, 2), (Lines{"delete net.lan", "set net.lan=interface",
+                                           "set net.lan.proto=static", "set net.lan.ipaddr=2"}));
+}
+
+TEST_F(UciCommitTest, ALineThatWasCutOffDoesNotSwallowTheNextOne)
+{
+    const std::string batch = "/tmp/cache/qorcfg/ucicfg.d/uci_update1.net.part";
+    device_.write(batch, "set net.a=t\nset net.a.b=cut o");
+    commit_uci_section(Document::parse(static_lan), "net", "part", 0, 1);
+    EXPECT_EQ(device_.read(batch), "set net.a=t\nset net.lan=interface\n"
+                                   "set net.lan.proto=static\nset net.lan.ipaddr=1\n");
+    device_.write(batch, "set net.a=");
+    commit_uci_section(Document::parse(static_lan), "net", "part", 0, 1);
+    EXPECT_EQ(device_.read(batch), "");
+}
+
 TEST_F(UciCommitTest, AStartUpWriteAfterACutOffOneDeletesTheSectionsOfBoth)
 {
     full(R"({"n":{"a":{}},"k":[{"alias-name":true},{}],"m":[{"alias-name":false},{}]})");
