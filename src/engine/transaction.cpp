@@ -27,23 +27,6 @@ constexpr mode_t private_mode = 0600; // documents hold passwords
 /// The new snapshot lies under this ending from before the lines are written until it is renamed.
 constexpr std::string_view pending_suffix = ".new";
 
-/// A daemon that was killed amid a write may have left half a line. What follows must not become
-/// the rest of it.
-bool drop_cut_off_line(int fd)
-{
-    const off_t length = ::lseek(fd, 0, SEEK_END);
-    off_t end = length;
-    for (char last = 0; end > 0; --end) {
-        if (::pread(fd, &last, 1, end - 1) != 1) {
-            return false;
-        }
-        if (last == '\n') {
-            break;
-        }
-    }
-    return end == length || file_calls::ftruncate(fd, end) == 0;
-}
-
 } // namespace
 
 Transaction::Writer &Transaction::writer_of(const std::string &snapshot)
@@ -66,6 +49,8 @@ Transaction::Transaction(const DocumentFiles &files)
     if (folder_lock_) {
         batch_ = open_file(files_.batch, O_RDWR | O_APPEND | O_CREAT | O_NOFOLLOW, private_mode);
     }
+    // A daemon that was killed amid a write may have left half a line. What follows must not become
+    // the rest of it.
     if (batch_ && !drop_cut_off_line(batch_.get())) {
         batch_.reset();
     }

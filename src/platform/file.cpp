@@ -115,6 +115,21 @@ bool append_all(int fd, std::string_view text)
     return false;
 }
 
+bool drop_cut_off_line(int fd)
+{
+    const off_t length = ::lseek(fd, 0, SEEK_END);
+    off_t end = length;
+    for (char last = 0; end > 0; --end) {
+        if (::pread(fd, &last, 1, end - 1) != 1) {
+            return false;
+        }
+        if (last == '\n') {
+            break;
+        }
+    }
+    return end == length ? length >= 0 : file_calls::ftruncate(fd, end) == 0;
+}
+
 bool is_same_version(const struct stat &a, const struct stat &b)
 {
     return a.st_dev == b.st_dev && a.st_ino == b.st_ino && a.st_size == b.st_size &&

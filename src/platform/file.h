@@ -30,6 +30,10 @@ bool write_all(int fd, std::string_view text);
 /// cut back to the length that it had. False and errno on failure.
 bool append_all(int fd, std::string_view text);
 
+/// Cuts an open file of lines back to its last line feed: what follows is half a line, left by a
+/// writer that was killed. False and errno on failure.
+bool drop_cut_off_line(int fd);
+
 /// Whether two looks at a path met the same file, unchanged in between.
 bool is_same_version(const struct stat &a, const struct stat &b);
 

@@ -127,6 +127,17 @@ TEST_F(UciCommitTest, AFullSaveFolderFailsTheSaveAndStoresNoHalfLine)
               "p.a.w='0'\np.a.y='" + std::string(500, 'y') + "'\n");
 }
 
+TEST_F(UciCommitTest, AChangeThatWasCutOffDoesNotSwallowTheNextOne)
+{
+    std::filesystem::create_directory(scratch_.savedir());
+    UciScratch::write(scratch_.changes("p"), "p.a.y='2'\np.a.z='cut o");
+    load();
+    ASSERT_EQ(set(ctx_.get(), "p.a.w=4"), UCI_OK);
+    uci_package *package = uci_lookup_package(ctx_.get(), "p");
+    ASSERT_EQ(uci_save(ctx_.get(), package), UCI_OK);
+    EXPECT_EQ(UciScratch::read(scratch_.changes("p")), "p.a.y='2'\np.a.w='4'\n");
+}
+
 TEST_F(UciCommitTest, ASaveFolderThatIsAFileKeepsTheChangesInMemory)
 {
     uci_package *package = load();

@@ -117,6 +117,20 @@ TEST_F(FileTest, AppendingToADescriptorThatCannotBeWrittenFails)
     EXPECT_EQ(read_file(path("a"), 10), "keep");
 }
 
+TEST_F(FileTest, HalfALineIsCutOffAndWholeOnesStay)
+{
+    const auto rest_of = [&](const std::string &text) {
+        EXPECT_TRUE(replace_file(path("a"), text, 0600));
+        EXPECT_TRUE(drop_cut_off_line(open_file(path("a"), O_RDWR).get()));
+        return read_file(path("a"), 100).value_or("none");
+    };
+    EXPECT_EQ(rest_of("one\ntw"), "one\n");
+    EXPECT_EQ(rest_of("one\ntwo\n"), "one\ntwo\n");
+    EXPECT_EQ(rest_of("on"), "");
+    EXPECT_EQ(rest_of(""), "");
+    EXPECT_FALSE(drop_cut_off_line(-1));
+}
+
 TEST_F(FileTest, AnExclusiveLockKeepsOutASharedOne)
 {
     const Fd exclusive = lock_path(folder_, LOCK_EX);

@@ -111,7 +111,8 @@ int Context::save(Package &package)
         lines += change_line(package.name(), *uci_to_delta(e));
     }
     const LockedFile file = open_changes(package);
-    if (!file || !append_all(file.fd.get(), lines)) {
+    // Half a line, left by a writer that was killed, would take the first of these with it.
+    if (!file || !drop_cut_off_line(file.fd.get()) || !append_all(file.fd.get(), lines)) {
         return UCI_ERR_IO;
     }
     package.unsaved().clear();
