@@ -21,6 +21,7 @@ using test::DeviceRoot;
 using test::ended_jobs;
 using test::read_jobs;
 using test::split_lines;
+using test::threads_of;
 using test::wait_until;
 
 namespace fs = std::filesystem;
@@ -138,15 +139,6 @@ long memory_of(pid_t pid)
         }
     }
     return total;
-}
-
-std::size_t threads_of(pid_t pid)
-{
-    std::size_t count = 0;
-    for (const auto &entry : fs::directory_iterator("/proc/" + std::to_string(pid) + "/task")) {
-        count += entry.path().empty() ? 0 : 1;
-    }
-    return count;
 }
 
 // 4,100 commits, so that the job numbers also begin again.

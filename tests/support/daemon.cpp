@@ -44,12 +44,19 @@ void Daemon::list_components(const std::vector<std::string> &names)
     device_.write("/tmp/cache/qorcfg/qorcfg.conf", list);
 }
 
+void Daemon::use_program(const std::string &program, std::vector<std::string> environment)
+{
+    program_ = program;
+    environment_ = std::move(environment);
+}
+
 void Daemon::launch(const std::vector<std::string> &arguments)
 {
-    std::vector<std::string> argv{QORCFG_PROGRAM};
+    std::vector<std::string> argv{program_.empty() ? QORCFG_PROGRAM : program_};
     argv.insert(argv.end(), arguments.begin(), arguments.end());
-    process_ =
-        std::make_unique<Process>(argv, std::vector<std::string>{"QORCFG_ROOT=" + device_.root()});
+    std::vector<std::string> environment = environment_;
+    environment.push_back("QORCFG_ROOT=" + device_.root());
+    process_ = std::make_unique<Process>(argv, environment);
 }
 
 void Daemon::start(const std::vector<std::string> &arguments)
@@ -60,6 +67,14 @@ void Daemon::start(const std::vector<std::string> &arguments)
     ASSERT_TRUE(wait_until([&] { return hook_calls().size() > before || !process_->running(); }));
     ASSERT_TRUE(wait_until([&] { return accepts() || !process_->running(); }));
     ASSERT_TRUE(process_->running());
+}
+
+bool Daemon::is_idle(std::size_t hooks)
+{
+    if (!process_->running()) {
+        return true;
+    }
+    return hook_calls().size() >= hooks && threads_of(process_->pid()) == 1;
 }
 
 Fd Daemon::connect() const

@@ -25,10 +25,16 @@ public:
     void install_hooks();
     /// Enables these components in the list file that `start` names by default.
     void list_components(const std::vector<std::string> &names);
+    /// Takes another build of the daemon, with variables ("NAME=value") in its environment, at the
+    /// next start; an empty name stands for the daemon itself.
+    void use_program(const std::string &program, std::vector<std::string> environment = {});
     /// Starts the daemon and waits until it serves; `arguments` follow the program name.
     void start(const std::vector<std::string> &arguments = {});
     /// Starts it without waiting.
     void launch(const std::vector<std::string> &arguments = {});
+    /// Whether no job is at work any more: its hook has run `hooks` times in all, the start-up one
+    /// included, and no worker is left. True for a daemon that has ended.
+    bool is_idle(std::size_t hooks);
     /// Whether the control socket takes connections.
     bool accepts() const;
     /// SIGTERM and wait. The exit status and what it printed.
@@ -52,6 +58,8 @@ public:
 
 private:
     DeviceRoot device_;
+    std::string program_;
+    std::vector<std::string> environment_;
     std::unique_ptr<Process> process_;
 };
 
