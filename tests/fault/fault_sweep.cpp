@@ -18,6 +18,18 @@ namespace {
 constexpr std::array kept{"/tmp", "/etc"};
 constexpr std::array engine_folders{"/tmp/cache/qorcfg/ucicfg.d", "/tmp/cache/qorcfg/nvramcfg.d"};
 
+/// Copies a tree. Times go with it: batches are applied in the order of theirs.
+void copy_tree(const std::string &from, const std::string &to)
+{
+    fs::copy(from, to, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+    for (const auto &entry : fs::recursive_directory_iterator(from)) {
+        if (entry.is_regular_file() && !entry.is_symlink()) {
+            fs::last_write_time(to / entry.path().lexically_relative(from),
+                                entry.last_write_time());
+        }
+    }
+}
+
 bool ends_with(const std::string &text, const std::string &ending)
 {
     return text.size() >= ending.size() &&
@@ -34,8 +46,7 @@ SavedState::SavedState(const DeviceRoot &device) : device_(device), folder_(devi
     fs::remove(device.path("/tmp/qorcfg_debug"));
     for (const char *folder : kept) {
         fs::create_directories(folder_);
-        fs::copy(device.path(folder), folder_ + folder,
-                 fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+        copy_tree(device.path(folder), folder_ + folder);
     }
 }
 
@@ -51,8 +62,7 @@ void SavedState::restore() const
     fs::remove(log());
     for (const char *folder : kept) {
         fs::remove_all(device_.path(folder));
-        fs::copy(folder_ + folder, device_.path(folder),
-                 fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+        copy_tree(folder_ + folder, device_.path(folder));
     }
 }
 
