@@ -9,6 +9,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
+#include <stdexcept>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <thread>
@@ -82,8 +83,11 @@ public:
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
         socket.copy(address.sun_path, sizeof address.sun_path - 1);
-        ::bind(listener_.get(), reinterpret_cast<const sockaddr *>(&address), sizeof address);
-        ::listen(listener_.get(), 20);
+        const auto *name = reinterpret_cast<const sockaddr *>(&address);
+        if (::bind(listener_.get(), name, sizeof address) != 0 ||
+            ::listen(listener_.get(), 20) != 0) {
+            throw std::runtime_error("cannot listen at " + socket);
+        }
         thread_ = std::thread([this] { serve(); });
     }
     ~FloorServer()
