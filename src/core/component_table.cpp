@@ -67,6 +67,7 @@ void enable_component(const char *name)
         return;
     }
     if (const ComponentRow *row = find_component(name)) {
+        registry().begin_component(row->name);
         for (const auto routine : {row->ops->init, row->ops->soap_init}) {
             if (routine != nullptr) {
                 routine();

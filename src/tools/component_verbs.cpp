@@ -115,8 +115,8 @@ void print_subscribers(std::ostream &out, const std::vector<Subscribers> &entrie
 {
     for (const Subscribers &entry : entries) {
         for (const Subscriber &each : entry.callbacks) {
-            out << entry.name << ": " << each.component << ' ' << kind_name(each) << " #"
-                << each.number << '\n';
+            out << entry.name << ": " << each.owner.component << ' ' << kind_name(each) << " #"
+                << each.owner.number << '\n';
         }
         if (entry.callbacks.empty()) {
             out << entry.name << ": nobody\n";
@@ -131,9 +131,9 @@ void print_subscribers_json(std::ostream &out, const std::vector<Subscribers> &e
         Json callbacks = Json::array();
         for (const Subscriber &each : entry.callbacks) {
             Json callback = Json::object();
-            json_set(callback.get(), "component", Json::string(each.component));
+            json_set(callback.get(), "component", Json::string(each.owner.component));
             json_set(callback.get(), "kind", Json::string(kind_name(each)));
-            json_set(callback.get(), "number", Json::integer(each.number));
+            json_set(callback.get(), "number", Json::integer(each.owner.number));
             json_append(callbacks.get(), std::move(callback));
         }
         Json object = Json::object();

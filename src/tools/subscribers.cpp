@@ -12,45 +12,32 @@ namespace qorcfg {
 
 namespace {
 
-/// Numbers callbacks by their first appearance.
-template <typename Callback> class Numbers {
-public:
-    int of(Callback callback)
-    {
-        const auto known = std::find(seen_.begin(), seen_.end(), callback);
-        const auto place = known - seen_.begin();
-        if (known == seen_.end()) {
-            seen_.push_back(callback);
-        }
-        return static_cast<int>(place) + 1;
-    }
-
-private:
-    std::vector<Callback> seen_;
-};
-
 using Kind = Subscriber::Kind;
 
-/// Adds what the component alone has put into the registry to `entries`.
-void attribute(const char *component, std::vector<Subscribers> &entries)
+/// Enables every component of this build in an empty registry.
+void enable_all_components()
 {
-    Numbers<UpdateCallback> updates;
-    Numbers<SoapCallback> soaps;
-    const auto add = [&](std::int32_t id, Subscriber subscriber) {
-        for (Subscribers &entry : entries) {
-            if (entry.id == id) {
-                entry.callbacks.push_back(subscriber);
-            }
-        }
-    };
-    for (const KeyRecord &record : registry().records()) {
-        for (const UpdateCallback callback : record.normal) {
-            add(record.key_id, {component, Kind::update, updates.of(callback)});
-        }
-        for (const SoapCallback callback : record.soap) {
-            add(record.key_id, {component, Kind::soap, soaps.of(callback)});
+    registry().clear();
+    is_base = read_is_base();
+    for (const ComponentRow &row : components) {
+        if (row.ops != nullptr) {
+            enable_component(row.name);
         }
     }
+}
+
+std::vector<Subscriber> callbacks_of(std::int32_t id)
+{
+    std::vector<Subscriber> callbacks;
+    if (const KeyRecord *record = registry().find(id)) {
+        for (const UpdateCallback callback : record->normal) {
+            callbacks.push_back({registry().owner_of(callback), Kind::update});
+        }
+        for (const SoapCallback callback : record->soap) {
+            callbacks.push_back({registry().owner_of(callback), Kind::soap});
+        }
+    }
+    return callbacks;
 }
 
 std::vector<Subscribers> names_of(const std::vector<std::string> &keys)
@@ -74,22 +61,12 @@ std::vector<Subscribers> names_of(const std::vector<std::string> &keys)
 std::vector<Subscribers> subscribers_of(const std::vector<std::string> &keys)
 {
     const WritesHeld held;
+    enable_all_components();
     std::vector<Subscribers> entries = names_of(keys);
-    is_base = read_is_base();
-    for (const ComponentRow &row : components) {
-        if (row.ops == nullptr) {
-            continue;
-        }
-        // Alone in the registry, what is there is this component's.
-        registry().clear();
-        enable_component(row.name);
-        attribute(row.name, entries);
+    for (Subscribers &entry : entries) {
+        entry.callbacks = callbacks_of(entry.id);
     }
     registry().clear();
-    for (Subscribers &entry : entries) {
-        std::stable_partition(entry.callbacks.begin(), entry.callbacks.end(),
-                              [](const Subscriber &each) { return each.kind == Kind::update; });
-    }
     return entries;
 }
 

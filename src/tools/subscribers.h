@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/base/registry.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -9,9 +11,8 @@ namespace qorcfg {
 /// A callback that a key triggers.
 struct Subscriber {
     enum class Kind { update, soap };
-    const char *component; ///< name of its table row
+    CallbackOwner owner;
     Kind kind;
-    int number; ///< among the component's callbacks of this kind, by first subscription, from 1
 };
 
 /// The callbacks that the announcement of one name triggers.

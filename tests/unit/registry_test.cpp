@@ -109,6 +109,27 @@ TEST(RegistryTest, ASubscriptionIsLoggedWithNameAndId)
     EXPECT_EQ(registry().records().size(), 1U);
 }
 
+TEST(RegistryTest, ACallbackBelongsToTheComponentThatSubscribedItFirstAndIsNumberedByItsKind)
+{
+    Registry registry;
+    registry.begin_component("one");
+    registry.subscribe("a", first_update);
+    registry.subscribe_soap("a", first_soap);
+    registry.begin_component("two");
+    registry.subscribe("a", first_update);
+    registry.begin_component("one");
+    registry.subscribe("b", second_update);
+    const CallbackOwner second = registry.owner_of(second_update);
+    EXPECT_STREQ(registry.owner_of(first_update).component, "one");
+    EXPECT_EQ(registry.owner_of(first_update).number, 1);
+    EXPECT_STREQ(second.component, "one");
+    EXPECT_EQ(second.number, 2);
+    EXPECT_EQ(registry.owner_of(first_soap).number, 1);
+    EXPECT_EQ(registry.owner_of(second_soap).number, 0);
+    registry.clear();
+    EXPECT_EQ(registry.owner_of(first_update).number, 0);
+}
+
 void fill(Registry &registry, int records)
 {
     for (int i = 0; i < records; ++i) {

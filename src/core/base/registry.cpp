@@ -5,8 +5,21 @@
 
 #include <algorithm>
 #include <new>
+#include <string_view>
 
 namespace qorcfg {
+
+namespace {
+
+template <typename Owners, typename Callback>
+CallbackOwner find_owner(const Owners &owners, Callback callback)
+{
+    const auto known = std::find_if(owners.begin(), owners.end(),
+                                    [&](const auto &each) { return each.callback == callback; });
+    return known == owners.end() ? CallbackOwner() : known->owner;
+}
+
+} // namespace
 
 // `what` names the kind of subscription in the warning.
 KeyRecord *Registry::walk_to(std::int32_t key_id, const char *what)
@@ -24,8 +37,22 @@ KeyRecord *Registry::walk_to(std::int32_t key_id, const char *what)
 }
 
 template <typename Callback>
+void Registry::note_owner(Callback callback, std::vector<Owned<Callback>> &owners) const
+{
+    if (find_owner(owners, callback).number != 0) {
+        return;
+    }
+    const std::string_view component = component_;
+    const auto before = std::count_if(owners.begin(), owners.end(), [&](const auto &each) {
+        return each.owner.component == component;
+    });
+    owners.push_back({callback, {component_, static_cast<int>(before) + 1}});
+}
+
+template <typename Callback>
 std::int32_t Registry::add(const char *key, const char *what, Callback callback,
-                           std::vector<Callback> KeyRecord::*list)
+                           std::vector<Callback> KeyRecord::*list,
+                           std::vector<Owned<Callback>> &owners)
 {
     if (watcher_ && key != nullptr) {
         watcher_(key);
@@ -33,6 +60,7 @@ std::int32_t Registry::add(const char *key, const char *what, Callback callback,
     const std::int32_t key_id = config_key_id(key);
     KeyRecord *record = walk_to(key_id, what);
     try {
+        note_owner(callback, owners);
         if (record != nullptr) {
             std::vector<Callback> &callbacks = record->*list;
             if (std::find(callbacks.begin(), callbacks.end(), callback) == callbacks.end()) {
@@ -53,12 +81,12 @@ std::int32_t Registry::subscribe(const char *key, UpdateCallback callback)
 {
     const std::int32_t key_id = config_key_id(key);
     QORCFG_LOG("Subscribe name %s spoint %d !!!!", key == nullptr ? "" : key, key_id);
-    return add(key, "subscriptions", callback, &KeyRecord::normal);
+    return add(key, "subscriptions", callback, &KeyRecord::normal, update_owners_);
 }
 
 std::int32_t Registry::subscribe_soap(const char *key, SoapCallback callback)
 {
-    return add(key, "soap subscriptions", callback, &KeyRecord::soap);
+    return add(key, "soap subscriptions", callback, &KeyRecord::soap, soap_owners_);
 }
 
 const KeyRecord *Registry::find(std::int32_t key_id) const
@@ -66,6 +94,24 @@ const KeyRecord *Registry::find(std::int32_t key_id) const
     const auto record = std::find_if(records_.begin(), records_.end(),
                                      [&](const KeyRecord &each) { return each.key_id == key_id; });
     return record == records_.end() ? nullptr : &*record;
+}
+
+CallbackOwner Registry::owner_of(UpdateCallback callback) const
+{
+    return find_owner(update_owners_, callback);
+}
+
+CallbackOwner Registry::owner_of(SoapCallback callback) const
+{
+    return find_owner(soap_owners_, callback);
+}
+
+void Registry::clear()
+{
+    records_.clear();
+    update_owners_.clear();
+    soap_owners_.clear();
+    component_ = "";
 }
 
 Registry &registry()

@@ -24,6 +24,12 @@ struct KeyRecord {
     std::vector<SoapCallback> soap;
 };
 
+/// Who subscribed a callback.
+struct CallbackOwner {
+    const char *component = ""; ///< name of its table row
+    int number = 0; ///< among the component's callbacks of this kind, by first subscription, from 1
+};
+
 /// Which callbacks which key triggers. Filled while components are enabled, before any worker
 /// exists; only read afterwards, so it has no lock. Nothing is ever removed.
 class Registry {
@@ -31,6 +37,8 @@ public:
     /// Number of key records from which a subscription warns.
     static constexpr int warning_limit = 512;
 
+    /// Callbacks that come in from now on belong to this component; the registry keeps the pointer.
+    void begin_component(const char *name) { component_ = name; }
     /// Both add the callback to the key's list unless it is there already, and return the key id,
     /// or -1 without memory. Keys whose ids collide share one record.
     std::int32_t subscribe(const char *key, UpdateCallback callback);
@@ -40,19 +48,33 @@ public:
     const std::vector<KeyRecord> &records() const { return records_; }
     /// The record of a key id, null when nobody subscribed to it.
     const KeyRecord *find(std::int32_t key_id) const;
+    /// The component that was the first to subscribe the callback; nobody for one that is not
+    /// known.
+    CallbackOwner owner_of(UpdateCallback callback) const;
+    CallbackOwner owner_of(SoapCallback callback) const;
     /// Forgets everything; for tests and tools that enable components one by one.
-    void clear() { records_.clear(); }
+    void clear();
     /// Has `watcher` told the name of each key that is subscribed to from now on, which the records
     /// do not keep; null ends that. For tools.
     void watch(std::function<void(const char *key)> watcher) { watcher_ = std::move(watcher); }
 
 private:
+    template <typename Callback> struct Owned {
+        Callback callback;
+        CallbackOwner owner;
+    };
+
     KeyRecord *walk_to(std::int32_t key_id, const char *what);
     template <typename Callback>
     std::int32_t add(const char *key, const char *what, Callback callback,
-                     std::vector<Callback> KeyRecord::*list);
+                     std::vector<Callback> KeyRecord::*list, std::vector<Owned<Callback>> &owners);
+    template <typename Callback>
+    void note_owner(Callback callback, std::vector<Owned<Callback>> &owners) const;
 
     std::vector<KeyRecord> records_;
+    std::vector<Owned<UpdateCallback>> update_owners_;
+    std::vector<Owned<SoapCallback>> soap_owners_;
+    const char *component_ = "";
     std::function<void(const char *key)> watcher_;
 };
 
