@@ -1,13 +1,16 @@
 #include "core/worker.h"
 
+#include "core/base/explanation.h"
 #include "core/base/globals.h"
 #include "core/base/hooks.h"
 #include "core/base/log.h"
 #include "core/call_tables.h"
+#include "core/explained_jobs.h"
 #include "core/guarded_call.h"
 #include "core/job_board.h"
 
 #include <cstring>
+#include <optional>
 #include <pthread.h>
 #include <utility>
 
@@ -21,6 +24,7 @@ void collect_calls(const JobRecord &record, CallTables &calls)
 {
     for (std::size_t i = 0; i < record.count; ++i) {
         const PendingChange &change = record.changes[i];
+        Explanation::key(change.key_id, change.action);
         if (const KeyRecord *key = registry().find(change.key_id)) {
             calls.collect_updates(*key);
             calls.collect_soap(*key, change.action);
@@ -28,15 +32,28 @@ void collect_calls(const JobRecord &record, CallTables &calls)
     }
 }
 
+template <typename Callback, typename Body> void run_call(Callback callback, Body body)
+{
+    Explanation::begin_callback(callback);
+    guarded_call(body);
+    Explanation::end_callback();
+}
+
 void run_calls(CallTables &calls, int job)
 {
     for (SoapCall &call : calls.soap()) {
         const ChangedKeys keys = std::move(call.keys);
-        guarded_call([&] { call.callback(&keys, call.action); });
+        run_call(call.callback, [&] { call.callback(&keys, call.action); });
     }
     for (const UpdateCall &call : calls.updates()) {
-        guarded_call([&] { call.callback(job); });
+        run_call(call.callback, [&] { call.callback(job); });
     }
+}
+
+void run_commit_hook(int job)
+{
+    Explanation::begin_hook();
+    Explanation::end_hook(run_hook_script(commit_hook, job));
 }
 
 } // namespace
@@ -50,6 +67,10 @@ void run_job(const JobRecord &record)
         return;
     }
     job_board().begin(job);
+    std::optional<Explanation> explanation;
+    if (explained_jobs().wanted()) {
+        explanation.emplace(job);
+    }
     QORCFG_LOG("NO.%d get config change number is  %d", job, static_cast<int>(record.count));
     guarded_call([&] {
         CallTables calls(job);
@@ -57,8 +78,11 @@ void run_job(const JobRecord &record)
         run_calls(calls, job);
     });
     job_board().callbacks_done(job);
-    run_hook_script(commit_hook, job);
+    run_commit_hook(job);
     job_board().end(job, status_done);
+    if (explanation) {
+        guarded_call([&] { explained_jobs().add(explanation->finish()); });
+    }
 }
 
 void *create_event_pthread(void *record_pointer)

@@ -1,5 +1,6 @@
 #include "engine/nvram_commit.h"
 
+#include "core/base/explanation.h"
 #include "core/base/log.h"
 #include "engine/append_line.h"
 #include "engine/paths.h"
@@ -121,13 +122,21 @@ void commit_nvram_document(const Document &doc, std::string_view name, int trigg
     Transaction transaction({nvram_folder, update_base() + number + "." + document, snapshot});
     if (!transaction.is_open()) {
         print_lines("Failed to open " + update_base() + (whole ? "\n" : " \n"));
+        Explanation::write("", document, WriteOutcome::failed);
         return;
     }
     if (whole) {
         transaction.finish(full_lines(doc.get()), doc.get(), {});
-    } else if (!transaction.is_overtaken(job)) {
+    } else if (transaction.is_overtaken(job)) {
+        Explanation::write("", document, WriteOutcome::overtaken);
+    } else {
         const Json last = transaction.last_document();
-        transaction.finish(changed_lines(last.get(), doc.get()), doc.get(), job);
+        const std::string lines = changed_lines(last.get(), doc.get());
+        if (transaction.finish(lines, doc.get(), job)) {
+            Explanation::write("", document, WriteOutcome::written, lines);
+        } else {
+            Explanation::write("", document, WriteOutcome::failed);
+        }
     }
 }
 

@@ -1,5 +1,6 @@
 #include "engine/uci_commit.h"
 
+#include "core/base/explanation.h"
 #include "core/base/globals.h"
 #include "core/base/log.h"
 #include "engine/diff.h"
@@ -86,13 +87,20 @@ void commit_document(const Document &doc, std::string_view package_name,
         {uci_folder, bounded_path(base + number + "." + package + "." + section), snapshot});
     if (!transaction.is_open()) {
         print_lines("Failed to open " + base + "\n");
+        Explanation::write(package, section, WriteOutcome::failed);
         return;
     }
     if (whole) {
         transaction.finish(full_lines(transaction, package, doc.get()), doc.get(), {});
-    } else if (!transaction.is_overtaken(job)) {
-        transaction.finish(difference_lines(transaction, package, doc.get(), granularity),
-                           doc.get(), job);
+    } else if (transaction.is_overtaken(job)) {
+        Explanation::write(package, section, WriteOutcome::overtaken);
+    } else {
+        const std::string lines = difference_lines(transaction, package, doc.get(), granularity);
+        if (transaction.finish(lines, doc.get(), job)) {
+            Explanation::write(package, section, WriteOutcome::written, lines);
+        } else {
+            Explanation::write(package, section, WriteOutcome::failed);
+        }
     }
 }
 

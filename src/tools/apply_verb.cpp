@@ -5,7 +5,6 @@
 #include "tools/verbs.h"
 
 #include <CLI/CLI.hpp>
-#include <charconv>
 #include <memory>
 #include <optional>
 
@@ -18,15 +17,6 @@ struct ApplyOptions {
     bool startup = false;
     bool dry_run = false;
 };
-
-std::optional<int> job_number(const std::string &text)
-{
-    int job = 0;
-    const char *const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, job);
-    const bool good = error == std::errc() && stop == end && job >= 1 && job <= last_job_number;
-    return good ? std::optional(job) : std::nullopt;
-}
 
 /// The latest job that the daemon has numbered since its start. Before the first one there is none:
 /// what lies there is from an earlier run, of whose numbers nothing is known.

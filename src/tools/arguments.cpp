@@ -1,7 +1,10 @@
 #include "tools/arguments.h"
 
+#include "platform/job_number.h"
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <charconv>
 
 namespace qorcfg {
 
@@ -72,6 +75,15 @@ std::string unshielded(std::string argument)
         argument.erase(0, 1);
     }
     return argument;
+}
+
+std::optional<int> job_number(const std::string &text)
+{
+    int job = 0;
+    const char *const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, job);
+    const bool good = error == std::errc() && stop == end && job >= 1 && job <= last_job_number;
+    return good ? std::optional(job) : std::nullopt;
 }
 
 } // namespace qorcfg

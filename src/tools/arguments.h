@@ -28,6 +28,9 @@ void add_arguments(CLI::App &verb, const char *name, std::vector<std::string> &v
 void add_optional_argument(CLI::App &verb, const char *name, std::optional<std::string> &value,
                            const char *description);
 
+/// The job number that an argument names; nothing for anything else.
+std::optional<int> job_number(const std::string &text);
+
 /// The flag --json of the verbs whose output is data.
 void add_json_flag(CLI::App &verb, bool &json);
 

@@ -40,6 +40,7 @@ void add_verbs(CLI::App &app, Session &session)
 #endif
     add_id_verb(app, session);
     add_status_verb(app, session);
+    add_explain_verb(app, session);
     add_apply_verb(app, session);
     add_component_verbs(app, session);
 }

@@ -1,6 +1,7 @@
 #include "tools/status.h"
 
 #include "engine/json.h"
+#include "tools/explain.h"
 #include "tools/jobs.h"
 
 #include <ostream>
@@ -31,7 +32,24 @@ std::string in_words(char status, const std::optional<JobsState> &jobs)
            std::to_string(jobs->ended);
 }
 
-std::string as_json(char status, const std::optional<JobsState> &jobs)
+/// Without explained jobs nothing is added.
+void add_explained(json_object *object, KeyNames &names)
+{
+    const Explanations read = read_explanations();
+    if (!read.error.empty()) {
+        json_set(object, "explain_error", Json::string(read.error));
+    }
+    if (read.jobs.empty()) {
+        return;
+    }
+    Json jobs = Json::array();
+    for (const ExplainedJob &job : read.jobs) {
+        json_append(jobs.get(), explanation_json(job, names));
+    }
+    json_set(object, "explained", std::move(jobs));
+}
+
+std::string as_json(char status, const std::optional<JobsState> &jobs, KeyNames &names)
 {
     const Json object = Json::object();
     json_set(object.get(), "status", Json::string(status_text(status)));
@@ -45,27 +63,29 @@ std::string as_json(char status, const std::optional<JobsState> &jobs)
         json_set(object.get(), "running", std::move(running));
         json_set(object.get(), "ended", Json::integer(jobs->ended));
     }
+    add_explained(object.get(), names);
     return json_compact_text(object.get());
 }
 
 } // namespace
 
-std::string status_line(bool json)
+std::string status_line(bool json, KeyNames &names)
 {
     const auto jobs = read_jobs();
     const char status = read_status();
     if (!jobs && status == '\0') {
         return "";
     }
-    return json ? as_json(status, jobs) : in_words(status, jobs);
+    return json ? as_json(status, jobs, names) : in_words(status, jobs);
 }
 
 void watch_status(std::ostream &out, bool json, const std::function<bool()> &stop,
                   const std::function<void()> &pause)
 {
     std::string printed;
+    KeyNames names;
     while (out) {
-        if (std::string line = status_line(json); !line.empty() && line != printed) {
+        if (std::string line = status_line(json, names); !line.empty() && line != printed) {
             out << line << std::endl;
             printed = std::move(line);
         }

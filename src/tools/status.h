@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tools/subscribers.h"
+
 #include <functional>
 #include <iosfwd>
 #include <string>
@@ -7,8 +9,8 @@
 namespace qorcfg {
 
 /// What is known of the daemon's jobs as one line, in words or as JSON; "" when no daemon has ever
-/// run.
-std::string status_line(bool json);
+/// run. As JSON it also has what is told of explained jobs, their keys by the names in `names`.
+std::string status_line(bool json, KeyNames &names);
 
 /// Prints the status line, and again whenever it has changed. Returns when `out` fails or `stop`,
 /// asked after each look, says so. `pause` lies between two looks.

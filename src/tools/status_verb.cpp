@@ -26,7 +26,8 @@ void pause_between_looks()
 
 int status(Session &session, const StatusOptions &options)
 {
-    const std::string line = status_line(options.json);
+    KeyNames names;
+    const std::string line = status_line(options.json, names);
     if (line.empty()) {
         return session.fail("no daemon has ever run here: there is neither " + rooted(status_file) +
                             " nor " + rooted(jobs_file));

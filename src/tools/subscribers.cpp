@@ -70,4 +70,18 @@ std::vector<Subscribers> subscribers_of(const std::vector<std::string> &keys)
     return entries;
 }
 
+std::string KeyNames::of(std::int32_t id)
+{
+    if (!names_) {
+        names_.emplace();
+        const WritesHeld held;
+        registry().watch([&](const char *key) { names_->emplace(config_key_id(key), key); });
+        enable_all_components();
+        registry().watch(nullptr);
+        registry().clear();
+    }
+    const auto name = names_->find(id);
+    return name == names_->end() ? "" : name->second;
+}
+
 } // namespace qorcfg

@@ -3,6 +3,8 @@
 #include "core/base/registry.h"
 
 #include <cstdint>
+#include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -27,5 +29,16 @@ struct Subscribers {
 /// Enables every component of this build in this process, and empties its registry; nothing is
 /// written.
 std::vector<Subscribers> subscribers_of(const std::vector<std::string> &keys);
+
+/// Names of the keys that components of this build subscribe to. At the first question it enables
+/// them as `subscribers_of` does.
+class KeyNames {
+public:
+    /// The name of a key by its number on the control socket; "" where no component looks at it.
+    std::string of(std::int32_t id);
+
+private:
+    std::optional<std::map<std::int32_t, std::string>> names_;
+};
 
 } // namespace qorcfg

@@ -21,6 +21,8 @@ void add_announce_verb(CLI::App &app, Session &session);
 void add_id_verb(CLI::App &app, Session &session);
 /// status
 void add_status_verb(CLI::App &app, Session &session);
+/// explain
+void add_explain_verb(CLI::App &app, Session &session);
 /// apply
 void add_apply_verb(CLI::App &app, Session &session);
 /// components, subscribers

@@ -38,12 +38,16 @@ TEST(HooksTest, TheArgumentHasSixCharactersAtMost)
     EXPECT_EQ(device.read("/tmp/runs"), "1 123456\n");
 }
 
-TEST(HooksTest, AMissingOrFailingScriptIsSilent)
+TEST(HooksTest, AMissingOrFailingScriptIsSilentAndItsEndReturned)
 {
     const DeviceRoot device;
-    run_hook_script("/etc/qorcfg.d/commit.sh", 1);
+    const ProgramEnd missing = run_hook_script("/etc/qorcfg.d/commit.sh", 1);
+    EXPECT_EQ(missing.status, -1);
+    EXPECT_EQ(missing.error, ENOENT);
     device.write_program("/etc/qorcfg.d/commit.sh", "#!/bin/sh\nexit 3\n");
-    run_hook_script("/etc/qorcfg.d/commit.sh", 2);
+    const ProgramEnd failed = run_hook_script("/etc/qorcfg.d/commit.sh", 2);
+    EXPECT_EQ(failed.status, 3);
+    EXPECT_EQ(failed.error, 0);
     EXPECT_EQ(device.log(), Lines{});
 }
 

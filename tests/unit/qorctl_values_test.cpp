@@ -154,9 +154,9 @@ TEST_F(QorctlValues, AMessageStaysOnOneLineWhateverItNames)
 
 TEST_F(QorctlValues, TheHelpOfEveryVerbHasAnExampleOfIt)
 {
-    const std::vector<std::string> verbs{"get",    "set",        "unset",      "import",
-                                         "export", "commit",     "announce",   "id",
-                                         "status", "components", "subscribers"};
+    const std::vector<std::string> verbs{"get",    "set",        "unset",       "import",
+                                         "export", "commit",     "announce",    "id",
+                                         "status", "components", "subscribers", "explain"};
     const std::string overview = run({"--help"}).out;
     for (const std::string &verb : verbs) {
         EXPECT_NE(overview.find("\n  " + verb + " "), std::string::npos) << verb;

@@ -1,7 +1,6 @@
 #include "core/base/hooks.h"
 
 #include "core/base/log.h"
-#include "platform/child.h"
 #include "platform/path_root.h"
 #include "platform/qor_platform.h"
 
@@ -26,14 +25,16 @@ std::atomic<void (*)()> soap_pause{pause_one_second};
 
 } // namespace
 
-void run_hook_script(const char *path, int job)
+ProgramEnd run_hook_script(const char *path, int job)
 {
     const std::string argument = std::to_string(job).substr(0, job_text_limit);
     const int status = qor_safe_system(0, 0, 0, rooted(path).c_str(), argument.c_str(),
                                        static_cast<char *>(nullptr));
-    if (status == -1 && errno == ETIMEDOUT) {
+    const ProgramEnd end{status, status == -1 ? errno : 0};
+    if (end.error == ETIMEDOUT) {
         QORCFG_LOG("%s %s was ended at its time bound", path, argument.c_str());
     }
+    return end;
 }
 
 void notify_soap_agent(const char *value)

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "platform/child.h"
+
 namespace qorcfg {
 
 /// Runs the hook script at the built-in path `path` with the job number as its single argument
 /// (decimal, at most 6 characters) and waits for its end. A script that is missing or fails is no
-/// error; one that was ended at its time bound is logged.
-void run_hook_script(const char *path, int job);
+/// error; one that was ended at its time bound is logged. Returns how it ended.
+ProgramEnd run_hook_script(const char *path, int job);
 
 /// Tells the local SOAP agent that a setting which satellites mirror has changed: stores `value`
 /// under "soap_setting", signals the agent, and pauses one second so that the agent has read the
