@@ -1,12 +1,11 @@
-#include "platform/file.h"
 #include "platform/key_id.h"
 #include "support/daemon.h"
 #include "support/jobs.h"
+#include "support/process_holdings.h"
 #include "support/sample_device.h"
 #include "support/wait.h"
 #include "table.h"
 
-#include <cstdlib>
 #include <filesystem>
 
 // Private dirty memory of the daemon with the whole sample device: after start-up, and after a
@@ -15,18 +14,6 @@ namespace qorcfg::bench {
 namespace {
 
 namespace fs = std::filesystem;
-
-double private_kib(pid_t pid)
-{
-    const std::string path = "/proc/" + std::to_string(pid) + "/smaps_rollup";
-    double sum = 0;
-    for (const std::string &line : test::split_lines(read_file(path, 1 << 16).value_or(""))) {
-        if (line.rfind("Private_Dirty", 0) == 0) {
-            sum += std::atof(line.substr(line.find(':') + 1).c_str());
-        }
-    }
-    return sum;
-}
 
 void Memory(benchmark::State &state)
 {
@@ -52,7 +39,8 @@ void Memory(benchmark::State &state)
                 return;
             }
         }
-        state.counters["private_KiB"] = private_kib(daemon.process().pid());
+        state.counters["private_KiB"] =
+            static_cast<double>(test::private_kib(daemon.process().pid()));
         daemon.stop();
     }
 }

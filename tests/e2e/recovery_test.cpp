@@ -3,11 +3,11 @@
 #include "engine/json.h"
 #include "platform/key_id.h"
 #include "support/jobs.h"
+#include "support/process_holdings.h"
 #include "support/wait.h"
 
 #include <csignal>
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <random>
 #include <sys/resource.h>
@@ -17,8 +17,10 @@ namespace qorcfg {
 namespace {
 
 using test::Daemon;
+using test::descriptors_of;
 using test::DeviceRoot;
 using test::ended_jobs;
+using test::private_kib;
 using test::read_jobs;
 using test::split_lines;
 using test::threads_of;
@@ -116,31 +118,6 @@ TEST_F(RecoveryTest, AFullDiskLosesNothingOnceSpaceIsBack)
     EXPECT_EQ(daemon_.status(), "1");
 }
 
-std::size_t descriptors_of(pid_t pid)
-{
-    std::size_t count = 0;
-    for (const auto &entry : fs::directory_iterator("/proc/" + std::to_string(pid) + "/fd")) {
-        count += entry.path().empty() ? 0 : 1;
-    }
-    return count;
-}
-
-/// Private dirty memory in KiB. (What is private and clean changes with the other programs that map
-/// the same libraries.)
-long memory_of(pid_t pid)
-{
-    std::ifstream file("/proc/" + std::to_string(pid) + "/smaps_rollup");
-    long total = 0;
-    for (std::string word; file >> word;) {
-        if (word == "Private_Dirty:") {
-            long amount = 0;
-            file >> amount;
-            total += amount;
-        }
-    }
-    return total;
-}
-
 // 4,100 commits, so that the job numbers also begin again.
 TEST_F(RecoveryTest, ThousandsOfCommitsLeakNothingAndTheJobAfter4097IsJobOne)
 {
@@ -168,8 +145,8 @@ TEST_F(RecoveryTest, ThousandsOfCommitsLeakNothingAndTheJobAfter4097IsJobOne)
         commit(i);
     }
     ASSERT_TRUE(wait_until([&] { return threads_of(pid) == 1; }));
-    const std::size_t descriptors = descriptors_of(pid);
-    const long memory = memory_of(pid);
+    const long descriptors = descriptors_of(pid);
+    const long memory = private_kib(pid);
     for (int i = warm_up + 1; i <= commits; ++i) {
         commit(i);
     }
@@ -178,7 +155,7 @@ TEST_F(RecoveryTest, ThousandsOfCommitsLeakNothingAndTheJobAfter4097IsJobOne)
     EXPECT_TRUE(wait_until([&] { return threads_of(pid) == 1; }));
     EXPECT_TRUE(wait_until([&] { return descriptors_of(pid) == descriptors; }));
     constexpr long allowed_growth_kib = 512;
-    EXPECT_LE(memory_of(pid), memory + allowed_growth_kib);
+    EXPECT_LE(private_kib(pid), memory + allowed_growth_kib);
     EXPECT_EQ(daemon_.stop().status, 0);
 }
 

@@ -1,9 +1,9 @@
 #include "core/component_table.h"
-#include "platform/file.h"
 #include "platform/reference/store.h"
 #include "support/daemon.h"
 #include "support/golden_case.h"
 #include "support/jobs.h"
+#include "support/process_holdings.h"
 #include "support/sample_device.h"
 #include "support/wait.h"
 
@@ -30,28 +30,6 @@ using Strings = std::vector<std::string>;
 
 std::chrono::seconds duration{60};
 unsigned seed = 1;
-
-/// What a daemon holds of the machine.
-struct Holdings {
-    long private_kib = 0;
-    long descriptors = 0;
-};
-
-Holdings holdings_of(pid_t pid)
-{
-    const std::string process = "/proc/" + std::to_string(pid);
-    Holdings held;
-    constexpr std::size_t bound = 1 << 16;
-    for (const std::string &line :
-         test::split_lines(read_file(process + "/smaps_rollup", bound).value_or(""))) {
-        // What is private and clean changes with the other programs that map the same libraries.
-        if (line.rfind("Private_Dirty", 0) == 0) {
-            held.private_kib += std::atol(line.substr(line.find(':') + 1).c_str());
-        }
-    }
-    held.descriptors = std::distance(fs::directory_iterator(process + "/fd"), {});
-    return held;
-}
 
 /// Every key that a component of the device's list looks at.
 Strings subscribed_keys(const DeviceRoot &device)
@@ -157,19 +135,21 @@ TEST_F(Soak, NothingGrowsAndThePackagesAreWhatTheDocumentsSay)
         commit(commits_ % 2 == 0);
     }
     wait_for_jobs();
-    const Holdings before = holdings_of(daemon_.process().pid());
+    const pid_t pid = daemon_.process().pid();
+    const long memory_before = test::private_kib(pid);
+    const long descriptors_before = test::descriptors_of(pid);
     const auto end = Clock::now() + duration;
     while (Clock::now() < end && !HasFatalFailure()) {
         commit(below(4) == 0);
     }
     wait_for_jobs();
-    const Holdings after = holdings_of(daemon_.process().pid());
+    const long memory = test::private_kib(pid);
+    const long descriptors = test::descriptors_of(pid);
     std::printf("%d commits; private memory %ld KiB, then %ld KiB; descriptors %ld, then %ld\n",
-                commits_, before.private_kib, after.private_kib, before.descriptors,
-                after.descriptors);
-    EXPECT_EQ(after.descriptors, before.descriptors);
+                commits_, memory_before, memory, descriptors_before, descriptors);
+    EXPECT_EQ(descriptors, descriptors_before);
     constexpr long slack_kib = 1024;
-    EXPECT_LE(after.private_kib, before.private_kib + slack_kib);
+    EXPECT_LE(memory, memory_before + slack_kib);
 
     // What has failed to apply would be lying there.
     const std::string folder = "/tmp/cache/qorcfg/ucicfg.d";

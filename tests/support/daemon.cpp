@@ -1,6 +1,7 @@
 #include "support/daemon.h"
 
 #include "support/hook_scripts.h"
+#include "support/process_holdings.h"
 #include "support/wait.h"
 
 #include <algorithm>

@@ -4,7 +4,6 @@
 
 #include <csignal>
 #include <cstring>
-#include <filesystem>
 #include <spawn.h>
 #include <stdexcept>
 #include <sys/mman.h>
@@ -122,14 +121,6 @@ ProcessEnd Process::wait(std::chrono::milliseconds bound)
         reap(true);
     }
     return {in_time ? status_ : -1, content_of(out_), content_of(err_)};
-}
-
-std::size_t threads_of(pid_t pid)
-{
-    std::error_code ended;
-    const std::filesystem::directory_iterator threads("/proc/" + std::to_string(pid) + "/task",
-                                                      ended);
-    return static_cast<std::size_t>(std::distance(threads, {}));
 }
 
 ProcessEnd run_process(const std::vector<std::string> &argv,

@@ -43,9 +43,6 @@ private:
     Fd err_;
 };
 
-/// How many threads a process has.
-std::size_t threads_of(pid_t pid);
-
 /// Runs a program to its end.
 ProcessEnd run_process(const std::vector<std::string> &argv,
                        const std::vector<std::string> &environment = {},
