@@ -38,12 +38,18 @@ TEST(HooksTest, TheArgumentHasSixCharactersAtMost)
     EXPECT_EQ(device.read("/tmp/runs"), "1 123456\n");
 }
 
-TEST(HooksTest, AMissingOrFailingScriptIsSilentAndItsEndReturned)
+TEST(HooksTest, AMissingScriptIsSilentAndItsEndReturned)
 {
     const DeviceRoot device;
     const ProgramEnd missing = run_hook_script("/etc/qorcfg.d/commit.sh", 1);
     EXPECT_EQ(missing.status, -1);
     EXPECT_EQ(missing.error, ENOENT);
+    EXPECT_TRUE(device.log().empty());
+}
+
+TEST(HooksTest, AFailingScriptIsSilentAndItsEndReturned)
+{
+    const DeviceRoot device;
     device.write_program("/etc/qorcfg.d/commit.sh", "#!/bin/sh\nexit 3\n");
     const ProgramEnd failed = run_hook_script("/etc/qorcfg.d/commit.sh", 2);
     EXPECT_EQ(failed.status, 3);
