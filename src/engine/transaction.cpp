@@ -99,7 +99,7 @@ Json Transaction::cut_off_document() const
 bool Transaction::finish(std::string_view lines, json_object *document, std::optional<int> job)
 {
     const char *text = json_object_to_json_string_ext(document, JSON_C_TO_STRING_PRETTY);
-    AtomicFile snapshot(files_.snapshot, private_mode, pending_suffix);
+    AtomicFile snapshot(folder_lock_, files_.snapshot, private_mode, pending_suffix);
     if (text == nullptr || !snapshot.write(text) || !snapshot.prepare()) {
         QORCFG_LOG("cannot write snapshot %s: %s", files_.snapshot.c_str(),
                    std::strerror(snapshot.error()));

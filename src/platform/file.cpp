@@ -153,16 +153,27 @@ Fd lock_path(const std::string &path, int operation)
 }
 
 AtomicFile::AtomicFile(const std::string &path, mode_t mode, std::string_view suffix)
-    : folder_(open_file(folder_of(path), O_RDONLY | O_DIRECTORY)),
-      name_(path.substr(path.rfind('/') + 1)),
-      temporary_(suffix.empty() ? unique_temporary(name_) : name_ + std::string(suffix))
+    : own_folder_(open_file(folder_of(path), O_RDONLY | O_DIRECTORY)), folder_(own_folder_.get()),
+      name_(path.substr(path.rfind('/') + 1))
 {
+    open(mode, suffix);
+}
+
+AtomicFile::AtomicFile(const Fd &folder, const std::string &path, mode_t mode,
+                       std::string_view suffix)
+    : folder_(folder.get()), name_(path.substr(path.rfind('/') + 1))
+{
+    open(mode, suffix);
+}
+
+void AtomicFile::open(mode_t mode, std::string_view suffix)
+{
+    temporary_ = suffix.empty() ? unique_temporary(name_) : name_ + std::string(suffix);
     constexpr int flags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW;
-    if (folder_) {
-        fd_ = open_file_in(folder_.get(), temporary_, flags, 0600);
-        if (!fd_ && errno == EEXIST &&
-            file_calls::unlinkat(folder_.get(), temporary_.c_str()) == 0) {
-            fd_ = open_file_in(folder_.get(), temporary_, flags, 0600);
+    if (folder_ >= 0) {
+        fd_ = open_file_in(folder_, temporary_, flags, 0600);
+        if (!fd_ && errno == EEXIST && file_calls::unlinkat(folder_, temporary_.c_str()) == 0) {
+            fd_ = open_file_in(folder_, temporary_, flags, 0600);
         }
     }
     if (!fd_) {
@@ -171,8 +182,7 @@ AtomicFile::AtomicFile(const std::string &path, mode_t mode, std::string_view su
         return;
     }
     struct stat old {};
-    const bool replaces =
-        ::fstatat(folder_.get(), name_.c_str(), &old, 0) == 0 && S_ISREG(old.st_mode);
+    const bool replaces = ::fstatat(folder_, name_.c_str(), &old, 0) == 0 && S_ISREG(old.st_mode);
     if (replaces && (old.st_uid != ::geteuid() || old.st_gid != ::getegid()) &&
         file_calls::fchown(fd_.get(), old.st_uid, old.st_gid) != 0) {
         fail();
@@ -187,7 +197,7 @@ AtomicFile::~AtomicFile()
 {
     if (!done_) {
         const int saved_errno = errno;
-        file_calls::unlinkat(folder_.get(), temporary_.c_str());
+        file_calls::unlinkat(folder_, temporary_.c_str());
         errno = saved_errno;
     }
 }
@@ -221,12 +231,12 @@ bool AtomicFile::commit()
     if (!prepare()) {
         return false;
     }
-    if (file_calls::renameat(folder_.get(), temporary_.c_str(), name_.c_str()) != 0) {
+    if (file_calls::renameat(folder_, temporary_.c_str(), name_.c_str()) != 0) {
         return fail();
     }
     done_ = true;
     // The new content stands already; a folder that cannot be synced is no reason to fail.
-    file_calls::fsync(folder_.get());
+    file_calls::fsync(folder_);
     return true;
 }
 

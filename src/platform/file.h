@@ -56,6 +56,9 @@ public:
     /// Opens the temporary: `path` + `suffix`, replacing a left-over of that name, or a name of its
     /// own when `suffix` is empty, so that several writers of one path do not meet. Check `ok`.
     AtomicFile(const std::string &path, mode_t mode, std::string_view suffix = {});
+    /// The same where the folder of `path` is open already, and stays so while the object lives.
+    AtomicFile(const Fd &folder, const std::string &path, mode_t mode,
+               std::string_view suffix = {});
     ~AtomicFile();
     AtomicFile(const AtomicFile &) = delete;
     AtomicFile &operator=(const AtomicFile &) = delete;
@@ -73,9 +76,11 @@ public:
     bool commit();
 
 private:
+    void open(mode_t mode, std::string_view suffix);
     bool fail();
 
-    Fd folder_;
+    Fd own_folder_;
+    int folder_;
     std::string name_;
     std::string temporary_;
     Fd fd_;
