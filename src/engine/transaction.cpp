@@ -47,7 +47,8 @@ Transaction::Transaction(const DocumentFiles &files)
       folder_lock_(lock_path(files_.folder, LOCK_SH))
 {
     if (folder_lock_) {
-        batch_ = open_file(files_.batch, O_RDWR | O_APPEND | O_CREAT | O_NOFOLLOW, private_mode);
+        batch_ = open_file_in(folder_lock_, files_.batch, O_RDWR | O_APPEND | O_CREAT | O_NOFOLLOW,
+                              private_mode);
     }
     // A daemon that was killed amid a write may have left half a line. What follows must not become
     // the rest of it.
@@ -70,7 +71,8 @@ bool Transaction::is_overtaken(int job) const
 
 Json Transaction::load(const std::string &path) const
 {
-    const auto text = read_file(path, snapshot_bound);
+    const Fd file = open_file_in(folder_lock_, path, O_RDONLY | O_NOCTTY);
+    const auto text = file ? read_descriptor(file.get(), snapshot_bound) : std::nullopt;
     if (!text) {
         if (errno != ENOENT) {
             QORCFG_LOG("cannot read snapshot %s: %s", path.c_str(), std::strerror(errno));

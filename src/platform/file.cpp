@@ -26,7 +26,12 @@ std::string unique_temporary(const std::string &name)
     return name + "." + std::to_string(::getpid()) + "-" + std::to_string(++counter) + ".tmp";
 }
 
-Fd open_file_in(int folder, const std::string &name, int flags, mode_t mode)
+std::string name_of(const std::string &path)
+{
+    return path.substr(path.rfind('/') + 1);
+}
+
+Fd open_at(int folder, const std::string &name, int flags, mode_t mode)
 {
     int fd = -1;
     do {
@@ -39,7 +44,12 @@ Fd open_file_in(int folder, const std::string &name, int flags, mode_t mode)
 
 Fd open_file(const std::string &path, int flags, mode_t mode)
 {
-    return open_file_in(AT_FDCWD, path, flags, mode);
+    return open_at(AT_FDCWD, path, flags, mode);
+}
+
+Fd open_file_in(const Fd &folder, const std::string &path, int flags, mode_t mode)
+{
+    return open_at(folder.get(), name_of(path), flags, mode);
 }
 
 std::optional<std::string> read_file(const std::string &path, std::size_t bound)
@@ -154,14 +164,14 @@ Fd lock_path(const std::string &path, int operation)
 
 AtomicFile::AtomicFile(const std::string &path, mode_t mode, std::string_view suffix)
     : own_folder_(open_file(folder_of(path), O_RDONLY | O_DIRECTORY)), folder_(own_folder_.get()),
-      name_(path.substr(path.rfind('/') + 1))
+      name_(name_of(path))
 {
     open(mode, suffix);
 }
 
 AtomicFile::AtomicFile(const Fd &folder, const std::string &path, mode_t mode,
                        std::string_view suffix)
-    : folder_(folder.get()), name_(path.substr(path.rfind('/') + 1))
+    : folder_(folder.get()), name_(name_of(path))
 {
     open(mode, suffix);
 }
@@ -171,9 +181,9 @@ void AtomicFile::open(mode_t mode, std::string_view suffix)
     temporary_ = suffix.empty() ? unique_temporary(name_) : name_ + std::string(suffix);
     constexpr int flags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW;
     if (folder_ >= 0) {
-        fd_ = open_file_in(folder_, temporary_, flags, 0600);
+        fd_ = open_at(folder_, temporary_, flags, 0600);
         if (!fd_ && errno == EEXIST && file_calls::unlinkat(folder_, temporary_.c_str()) == 0) {
-            fd_ = open_file_in(folder_, temporary_, flags, 0600);
+            fd_ = open_at(folder_, temporary_, flags, 0600);
         }
     }
     if (!fd_) {

@@ -14,6 +14,10 @@ namespace qorcfg {
 /// open(2) with O_CLOEXEC, retried when interrupted. An empty Fd and errno on failure.
 Fd open_file(const std::string &path, int flags, mode_t mode = 0);
 
+/// `open_file` where the folder of `path` is open already: only the name behind the last slash is
+/// looked up, in `folder`.
+Fd open_file_in(const Fd &folder, const std::string &path, int flags, mode_t mode = 0);
+
 /// Reads a whole file of at most `bound` bytes. Nothing on failure, with errno: ENOENT for a
 /// missing file, EFBIG for one above the bound, EISDIR for a folder.
 std::optional<std::string> read_file(const std::string &path, std::size_t bound);

@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <csignal>
+#include <future>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -345,6 +346,27 @@ TEST_F(StoreTest, ThreadsThatComeAndGoDoNotUseUpTheReaderSlots)
         int match = 0;
         std::thread([&match] { match = config_match("key", "x"); }).join();
         ASSERT_EQ(match, 1) << "thread " << i;
+    }
+}
+
+TEST_F(StoreTest, ThreadsThatHaveReadHoldNoReaderSlot)
+{
+    ASSERT_EQ(set("key", "x"), "");
+    std::promise<void> end;
+    const std::shared_future<void> all_have_read = end.get_future().share();
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 600; ++i) {
+        std::promise<int> match;
+        std::future<int> matched = match.get_future();
+        threads.emplace_back([all_have_read, match = std::move(match)]() mutable {
+            match.set_value(config_match("key", "x"));
+            all_have_read.wait();
+        });
+        EXPECT_EQ(matched.get(), 1) << "thread " << i;
+    }
+    end.set_value();
+    for (auto &thread : threads) {
+        thread.join();
     }
 }
 

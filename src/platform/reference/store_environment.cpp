@@ -19,7 +19,7 @@ namespace qorcfg::store {
 namespace {
 
 constexpr unsigned table_count = 2;
-constexpr unsigned reader_slots = 510; ///< one a reading thread, in all processes together
+constexpr unsigned reader_slots = 510; ///< one a read in progress, in all processes together
 
 /// Opening one database file twice in a process would break its locks without a word, so whoever
 /// works on it holds the mutex shared, and opening and closing hold it alone.
@@ -87,7 +87,10 @@ std::string ProcessStore::open()
         return error;
     }
     // A commit need not reach the disk: the live store is as short-lived as the running system.
-    const int status = open_database(path, MDB_NOSYNC, database);
+    // A slot that belongs to its thread is given back by the ending thread itself, which may be
+    // just when the store is closed and the slots are gone; so each read takes one and gives it
+    // back.
+    const int status = open_database(path, MDB_NOSYNC | MDB_NOTLS, database);
     return status == 0 ? "" : fault("cannot open the store", path, status);
 }
 
