@@ -58,7 +58,7 @@ constexpr std::array router_options{
 /// last blank.
 std::string trimmed_list(std::string names)
 {
-    names = cut<port_list_limit>(std::move(names));
+    names = cut<port_list_limit>(names);
     if (!names.empty() && names.back() == ' ') {
         names.pop_back();
     }

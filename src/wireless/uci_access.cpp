@@ -1,10 +1,10 @@
 #include "wireless/uci_access.h"
 
+#include "core/base/xmalloc.h"
 #include "engine/document.h"
 #include "platform/path_root.h"
 
 #include <cstdio>
-#include <cstdlib>
 #include <uci.h>
 
 namespace qorcfg {
@@ -16,16 +16,12 @@ constexpr const char *saved_folder = "/tmp/.uci";
 constexpr const char *error_prefix = "get_uci_option_value Error";
 constexpr std::size_t expression_limit = 255;
 
-struct FreeText {
-    void operator()(char *text) const noexcept { std::free(text); }
-};
-
 /// Reports the context's last failure. (libuci's own report grows by a newline each time.)
 void report_error(uci_context *context)
 {
     char *text = nullptr;
     uci_get_errorstr(context, &text, error_prefix);
-    const std::unique_ptr<char, FreeText> owner(text);
+    const std::unique_ptr<char, FreeMemory> owner(text);
     if (text != nullptr) {
         std::string line(text);
         line.erase(line.find_last_not_of('\n') + 1);
