@@ -23,6 +23,7 @@ prepare: ; $$(call Build/Prepare)
 install: ; $$(call Package/$(1)/install,$$(TOPDIR)/image)
 show: ; @echo '$$(CMAKE_OPTIONS)'
 version: ; @echo '$$(PKG_VERSION)'
+conffiles: ; @: $$(info $$(Package/$(1)/conffiles))
 endef
 END
 in_feed() {
@@ -35,6 +36,8 @@ for option in -DQORCFG_UCI=system -DQORCFG_PLATFORM=external; do
 done
 version=$(sed -n 's/^project(qorcfg VERSION \([0-9.]*\).*/\1/p' "$top/CMakeLists.txt")
 expect "the version" "$version" "$(in_feed version)"
+# An upgrade keeps what the device's maker or an administrator has put in their place.
+expect "the configuration files" "$(cat "$top/packaging/deb/conffiles")" "$(in_feed conffiles)"
 
 # What is copied to be built holds everything that the install rules name.
 in_feed prepare
