@@ -144,6 +144,18 @@ TEST_F(ManualTest, BashCompletesEveryVerbAndOption)
     }
 }
 
+TEST_F(ManualTest, BashOffersTheKeysOfTheStoreAsTextThatItNeverExpands)
+{
+    device.write_program("/qorctl", "#!/bin/sh\n[ \"$*\" = \"--root /r export -- a\" ] || exit 1\n"
+                                    "echo 'a_key=1'\necho 'a$(echo run)=a$(echo run)'\n");
+    const std::string program = device.path("/qorctl");
+    const Names keys{"a_key", R"(a\$\(echo\ run\))"};
+    EXPECT_EQ(offered({program, "--root", "/r", "get", "a"}), keys);
+    // bash makes the sign a word of its own.
+    EXPECT_EQ(offered({program, "--root", "=", "/r", "set", "a"}), keys);
+    EXPECT_EQ(offered({program, "--root", "/r", "set", "a_key", "=", "a"}), Names{""});
+}
+
 TEST_F(ManualTest, EveryExitStatusIsExplained)
 {
     const Names known = found(content("src/tools/session.h"), R"(\bexit_[a-z]+ = ([0-9]+))");
@@ -178,6 +190,19 @@ TEST_F(ManualTest, EveryEnvironmentVariableIsExplained)
         EXPECT_NE(content("docs/operations.md").find("| `" + name + "` |"), std::string::npos)
             << name;
     }
+}
+
+TEST_F(ManualTest, VariablesThatLibrariesReadAreExplained)
+{
+    // The folder of std::filesystem::temp_directory_path, and where programs are looked for.
+    EXPECT_NE(content("src/tools/scratch_device.cpp").find("temp_directory_path()"),
+              std::string::npos);
+    EXPECT_NE(page_section("qorctl.1", "ENVIRONMENT").find(".B TMPDIR\n"), std::string::npos);
+    const std::string environment = section(content("docs/qorctl.md"), "### Environment", "### ");
+    for (const char *name : {"`QORCFG_ROOT`\n:", "`TMPDIR`\n:"}) {
+        EXPECT_NE(environment.find(name), std::string::npos) << name;
+    }
+    EXPECT_NE(page_section("qorcfg.8", "ENVIRONMENT").find(".B PATH\n"), std::string::npos);
 }
 
 TEST_F(ManualTest, EveryComponentIsInTheManualAndInTheDefaultList)
