@@ -148,7 +148,7 @@ TEST_F(Soak, NothingGrowsAndThePackagesAreWhatTheDocumentsSay)
     std::printf("%d commits; private memory %ld KiB, then %ld KiB; descriptors %ld, then %ld\n",
                 commits_, memory_before, memory, descriptors_before, descriptors);
     EXPECT_EQ(descriptors, descriptors_before);
-    constexpr long slack_kib = 1024;
+    constexpr long slack_kib = 256;
     EXPECT_LE(memory, memory_before + slack_kib);
 
     // What has failed to apply would be lying there.
