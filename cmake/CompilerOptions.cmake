@@ -8,6 +8,12 @@ endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     # GCC 12 sees overlapping copies inside its own std::string in `"text" + std::to_string(n)`.
     add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict>)
+    if(QORCFG_PRECOMPILE)
+        # The same of other warnings, which it keeps to itself where it reads its headers afresh.
+        foreach(warning array-bounds stringop-overflow stringop-overread)
+            add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-Wno-${warning}>)
+        endforeach()
+    endif()
 endif()
 # Nothing that is shipped names the folder it was built in. (A compiler cache shares objects between
 # checkouts only where no option names the folder.)
@@ -37,4 +43,15 @@ function(qorcfg_library name)
     add_library(${name} STATIC ${ARG_SOURCES})
     target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
     target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
+    get_property(compiled GLOBAL PROPERTY QORCFG_LIBRARY_WITH_HEADERS)
+    if(NOT QORCFG_PRECOMPILE)
+        return()
+    elseif(compiled)
+        target_precompile_headers(${name} REUSE_FROM ${compiled})
+    else()
+        target_precompile_headers(${name} PRIVATE
+            <algorithm> <array> <filesystem> <functional> <map> <memory> <optional> <string>
+            <thread> <vector>)
+        set_property(GLOBAL PROPERTY QORCFG_LIBRARY_WITH_HEADERS ${name})
+    endif()
 endfunction()

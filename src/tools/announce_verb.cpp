@@ -4,7 +4,6 @@
 #include "platform/reference/notifier.h"
 #include "tools/arguments.h"
 
-#include <CLI/CLI.hpp>
 #include <memory>
 
 namespace qorcfg {
@@ -44,9 +43,8 @@ void add_announce_verb(CLI::App &app, Session &session)
     CLI::App *verb = add_verb(app, "announce", "Announce keys to the daemon at once, uncommitted",
                               "  qorctl announce endis_ddns --action 2");
     add_arguments(*verb, "KEY", options->keys, "Name of a key");
-    verb->add_option("--action", options->action,
-                     "What happened to the keys: 0 created, 1 removed, 2 changed (2)")
-        ->option_text("N");
+    add_number_option(*verb, "--action", options->action,
+                      "What happened to the keys: 0 created, 1 removed, 2 changed (2)");
     choose(*verb, session, [=](Session &each) { return announce(each, *options); });
 }
 

@@ -4,7 +4,6 @@
 #include "tools/jobs.h"
 #include "tools/verbs.h"
 
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <optional>
 
@@ -61,9 +60,9 @@ void add_apply_verb(CLI::App &app, Session &session)
                               "  qorctl apply --startup\n"
                               "  qorctl apply --dry-run        (print what would change)");
     add_optional_argument(*verb, "JOB", options->job, "Number of a job");
-    verb->add_flag("--startup", options->startup,
-                   "Apply what earlier runs of the daemon left, then the start-up files");
-    verb->add_flag("--dry-run", options->dry_run, "Print what would change, and change nothing");
+    add_flag(*verb, "--startup", options->startup,
+             "Apply what earlier runs of the daemon left, then the start-up files");
+    add_flag(*verb, "--dry-run", options->dry_run, "Print what would change, and change nothing");
     choose(*verb, session, [=](Session &each) { return apply(each, *options); });
 }
 

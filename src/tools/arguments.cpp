@@ -50,9 +50,39 @@ void add_optional_argument(CLI::App &verb, const char *name, std::optional<std::
     verb.add_option(name, value, description)->transform(unshielded)->option_text(" ");
 }
 
+void add_flag(CLI::App &verb, const char *name, bool &flag, const char *description,
+              std::initializer_list<const char *> excluded)
+{
+    CLI::Option *option = verb.add_flag(name, flag, description);
+    for (const char *other : excluded) {
+        option->excludes(verb.get_option(other));
+    }
+}
+
 void add_json_flag(CLI::App &verb, bool &json)
 {
-    verb.add_flag("--json", json, "Print as JSON");
+    add_flag(verb, "--json", json, "Print as JSON");
+}
+
+void add_no_announce_flag(CLI::App &verb, bool &no_announce)
+{
+    add_flag(verb, "--no-announce", no_announce, "Leave the keys unmarked: commit tells nobody");
+}
+
+void add_number_option(CLI::App &verb, const char *name, int &number, const char *description)
+{
+    verb.add_option(name, number, description)->option_text("N");
+}
+
+void add_seconds_option(CLI::App &verb, const char *name, std::optional<int> &seconds,
+                        const char *usual, const char *description)
+{
+    constexpr int longest = 86400;
+    verb.add_option(name, seconds, description)
+        ->expected(0, 1)
+        ->default_str(usual)
+        ->check(CLI::Range(1, longest))
+        ->option_text("[=SECONDS]");
 }
 
 std::vector<std::string> shielded(std::vector<std::string> arguments)

@@ -3,7 +3,6 @@
 #include "tools/arguments.h"
 #include "tools/commit.h"
 
-#include <CLI/CLI.hpp>
 #include <memory>
 
 namespace qorcfg {
@@ -44,13 +43,8 @@ void add_commit_verb(CLI::App &app, Session &session)
     CLI::App *verb = add_verb(app, "commit", "Tell the daemon of every changed key and apply them",
                               "  qorctl commit\n"
                               "  qorctl commit --wait=10");
-    constexpr int longest = 86400;
-    verb->add_option("--wait", options->wait,
-                     "Return when the jobs have ended; an error after SECONDS (60)")
-        ->expected(0, 1)
-        ->default_str("60")
-        ->check(CLI::Range(1, longest))
-        ->option_text("[=SECONDS]");
+    add_seconds_option(*verb, "--wait", options->wait, "60",
+                       "Return when the jobs have ended; an error after SECONDS (60)");
     choose(*verb, session, [=](Session &each) { return commit(each, *options); });
 }
 

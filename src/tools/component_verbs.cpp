@@ -9,7 +9,6 @@
 #endif
 #include "tools/subscribers.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -169,9 +168,8 @@ void add_component_verbs(CLI::App &app, Session &session)
     add_json_flag(*verb, list_options->json);
 #ifndef QORCFG_PLATFORM_EXTERNAL
     // It asks the components below a scratch root, where the maker's store does not lie.
-    verb->add_flag("--markdown", list_options->markdown,
-                   "Print the page of all components, their keys and documents")
-        ->excludes("LIST-FILE", "--json");
+    add_flag(*verb, "--markdown", list_options->markdown,
+             "Print the page of all components, their keys and documents", {"LIST-FILE", "--json"});
 #endif
     choose(*verb, session, [=](Session &each) { return list_components(each, *list_options); });
 

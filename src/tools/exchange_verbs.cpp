@@ -5,7 +5,6 @@
 #include "tools/arguments.h"
 #include "tools/setting_lines.h"
 
-#include <CLI/CLI.hpp>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -109,8 +108,7 @@ void add_exchange_verbs(CLI::App &app, Session &session)
                               "  qorctl import settings.txt\n"
                               "  ssh old-router qorctl export | qorctl import -");
     add_argument(*verb, "FILE", import_options->file, "File to read, - for standard input");
-    verb->add_flag("--no-announce", import_options->no_announce,
-                   "Leave the keys unmarked: commit tells nobody");
+    add_no_announce_flag(*verb, import_options->no_announce);
     choose(*verb, session, [=](Session &each) { return import(each, *import_options); });
 
     const auto export_options = std::make_shared<ExportOptions>();

@@ -8,7 +8,6 @@
 #include "tools/arguments.h"
 #include "tools/explain.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cerrno>
 #include <cstring>

@@ -4,7 +4,6 @@
 #include "platform/key_id.h"
 #include "tools/arguments.h"
 
-#include <CLI/CLI.hpp>
 #include <memory>
 
 namespace qorcfg {

@@ -1,7 +1,8 @@
 #pragma once
 
 #include <functional>
-#include <iosfwd>
+#include <istream>
+#include <ostream>
 #include <string>
 #include <string_view>
 

@@ -5,7 +5,6 @@
 #include "tools/arguments.h"
 #include "tools/status.h"
 
-#include <CLI/CLI.hpp>
 #include <chrono>
 #include <memory>
 #include <thread>
@@ -49,7 +48,7 @@ void add_status_verb(CLI::App &app, Session &session)
     CLI::App *verb = add_verb(app, "status", "Print how far the daemon is with its jobs",
                               "  qorctl status\n"
                               "  qorctl status --watch --json");
-    verb->add_flag("--watch", options->watch, "Print again at every change, until interrupted");
+    add_flag(*verb, "--watch", options->watch, "Print again at every change, until interrupted");
     add_json_flag(*verb, options->json);
     choose(*verb, session, [=](Session &each) { return status(each, *options); });
 }

@@ -4,7 +4,6 @@
 #include "platform/reference/store.h"
 #include "tools/arguments.h"
 
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <optional>
 
@@ -80,11 +79,6 @@ int unset(Session &session, const WriteOptions &options)
     return write(session, writes, options.marking());
 }
 
-void add_no_announce(CLI::App &verb, bool &no_announce)
-{
-    verb.add_flag("--no-announce", no_announce, "Leave the keys unmarked: commit tells nobody");
-}
-
 } // namespace
 
 void add_value_verbs(CLI::App &app, Session &session)
@@ -100,14 +94,14 @@ void add_value_verbs(CLI::App &app, Session &session)
                     "  qorctl set endis_ddns=1 sysDNSUser_5=me\n"
                     "  qorctl set -- -odd-key=1      (an argument that begins with \"-\")");
     add_arguments(*verb, "KEY=VALUE", set_options->arguments, "Key and new value");
-    add_no_announce(*verb, set_options->no_announce);
+    add_no_announce_flag(*verb, set_options->no_announce);
     choose(*verb, session, [=](Session &each) { return set(each, *set_options); });
 
     const auto unset_options = std::make_shared<WriteOptions>();
     verb = add_verb(app, "unset", "Remove keys, all of them or none",
                     "  qorctl unset forwarding7 forwarding8");
     add_arguments(*verb, "KEY", unset_options->arguments, "Name of a key");
-    add_no_announce(*verb, unset_options->no_announce);
+    add_no_announce_flag(*verb, unset_options->no_announce);
     choose(*verb, session, [=](Session &each) { return unset(each, *unset_options); });
 }
 
