@@ -2,7 +2,7 @@
 
 #include "platform/key_id.h"
 #include "platform/reference/notifier.h"
-#include "tools/arguments.h"
+#include "tools/command_line.h"
 
 #include <memory>
 

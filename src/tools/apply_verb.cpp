@@ -1,6 +1,6 @@
 #include "apply/apply.h"
 #include "platform/job_number.h"
-#include "tools/arguments.h"
+#include "tools/command_line.h"
 #include "tools/jobs.h"
 #include "tools/verbs.h"
 

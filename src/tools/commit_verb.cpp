@@ -1,6 +1,6 @@
 #include "tools/verbs.h"
 
-#include "tools/arguments.h"
+#include "tools/command_line.h"
 #include "tools/commit.h"
 
 #include <memory>

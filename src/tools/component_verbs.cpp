@@ -3,7 +3,7 @@
 #include "core/component_table.h"
 #include "engine/json.h"
 #include "platform/path_root.h"
-#include "tools/arguments.h"
+#include "tools/command_line.h"
 #ifndef QORCFG_PLATFORM_EXTERNAL
 #include "tools/component_page.h"
 #endif

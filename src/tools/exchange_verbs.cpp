@@ -2,7 +2,7 @@
 
 #include "engine/json.h"
 #include "platform/file.h"
-#include "tools/arguments.h"
+#include "tools/command_line.h"
 #include "tools/setting_lines.h"
 
 #include <array>

@@ -5,7 +5,7 @@
 #include "platform/file_calls.h"
 #include "platform/job_number.h"
 #include "platform/path_root.h"
-#include "tools/arguments.h"
+#include "tools/command_line.h"
 #include "tools/explain.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 
 #include "core/job_board.h"
 #include "platform/path_root.h"
-#include "tools/arguments.h"
+#include "tools/command_line.h"
 #include "tools/status.h"
 
 #include <chrono>

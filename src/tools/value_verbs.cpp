@@ -2,7 +2,7 @@
 
 #include "engine/json.h"
 #include "platform/reference/store.h"
-#include "tools/arguments.h"
+#include "tools/command_line.h"
 
 #include <memory>
 #include <optional>

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <initializer_list>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,6 +14,28 @@ class App;
 } // namespace CLI
 
 namespace qorcfg {
+
+/// The command line of the tool: the option --root, and one verb of those that are added to `app`.
+class CommandLine {
+public:
+    /// The help begins with `description` and ends with `footer`.
+    CommandLine(const char *description, const std::string &footer);
+    ~CommandLine();
+    CommandLine(const CommandLine &) = delete;
+    CommandLine &operator=(const CommandLine &) = delete;
+
+    CLI::App &app() { return *app_; }
+    /// Reads the arguments, the first of which is the program's name; what the verb does is then
+    /// the session's action. The exit status when there is nothing left to run: help was asked
+    /// for, or the arguments are wrong and the session has said so.
+    std::optional<int> read(const std::vector<std::string> &arguments, Session &session);
+    /// The folder of --root, where it was given.
+    const std::optional<std::string> &root() const { return root_; }
+
+private:
+    std::unique_ptr<CLI::App> app_;
+    std::optional<std::string> root_;
+};
 
 /// A verb of the command line; its help ends with `example`, whole lines as one would type them.
 CLI::App *add_verb(CLI::App &app, const char *name, const char *description, const char *example);
@@ -45,11 +68,5 @@ void add_number_option(CLI::App &verb, const char *name, int &number, const char
 /// An option for a time of 1 s to a day; `usual` are the seconds of one that names none.
 void add_seconds_option(CLI::App &verb, const char *name, std::optional<int> &seconds,
                         const char *usual, const char *description);
-
-/// Arguments in a form in which the parser takes none for its own that is not: it has a meaning for
-/// "++" and for square brackets, and does not take every argument behind "--" as it is.
-/// `unshielded` undoes it for one; the argument functions above use it.
-std::vector<std::string> shielded(std::vector<std::string> arguments);
-std::string unshielded(std::string argument);
 
 } // namespace qorcfg
