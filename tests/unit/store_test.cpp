@@ -11,6 +11,7 @@
 #include <future>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <sys/resource.h>
 
 namespace qorcfg {
@@ -349,8 +350,34 @@ TEST_F(StoreTest, ThreadsThatComeAndGoDoNotUseUpTheReaderSlots)
     }
 }
 
+/// Threads that begin while it lives have small stacks: many of them fit into 32 bits of addresses.
+class SmallStacks {
+public:
+    SmallStacks()
+    {
+        constexpr std::size_t small = 1024 * 1024;
+        pthread_getattr_default_np(&usual_);
+        pthread_attr_t attributes{};
+        pthread_getattr_default_np(&attributes);
+        pthread_attr_setstacksize(&attributes, small);
+        pthread_setattr_default_np(&attributes);
+        pthread_attr_destroy(&attributes);
+    }
+    ~SmallStacks()
+    {
+        pthread_setattr_default_np(&usual_);
+        pthread_attr_destroy(&usual_);
+    }
+    SmallStacks(const SmallStacks &) = delete;
+    SmallStacks &operator=(const SmallStacks &) = delete;
+
+private:
+    pthread_attr_t usual_{};
+};
+
 TEST_F(StoreTest, ThreadsThatHaveReadHoldNoReaderSlot)
 {
+    const SmallStacks small_stacks;
     ASSERT_EQ(set("key", "x"), "");
     std::promise<void> end;
     const std::shared_future<void> all_have_read = end.get_future().share();
