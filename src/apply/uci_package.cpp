@@ -220,11 +220,9 @@ bool UciPackage::check_value(std::string_view option, std::string_view value)
     return true;
 }
 
-bool UciPackage::set_option(uci_section *section, std::string_view option, std::string_view value)
+bool UciPackage::store_value(uci_section *section, std::string_view option, std::string_view value,
+                             ValueCall &call)
 {
-    if (value.empty()) {
-        return delete_option(section, option);
-    }
     if (!check_value(option, value)) {
         return false;
     }
@@ -235,22 +233,18 @@ bool UciPackage::set_option(uci_section *section, std::string_view option, std::
     ptr.s = section;
     ptr.option = option_text.c_str();
     ptr.value = value_text.c_str();
-    return done(uci_set(context_.get(), &ptr));
+    return done(call(context_.get(), &ptr));
+}
+
+bool UciPackage::set_option(uci_section *section, std::string_view option, std::string_view value)
+{
+    return value.empty() ? delete_option(section, option)
+                         : store_value(section, option, value, uci_set);
 }
 
 bool UciPackage::add_item(uci_section *section, std::string_view option, std::string_view value)
 {
-    if (!check_value(option, value)) {
-        return false;
-    }
-    const std::string option_text(option);
-    const std::string value_text(value);
-    uci_ptr ptr{};
-    ptr.p = package_;
-    ptr.s = section;
-    ptr.option = option_text.c_str();
-    ptr.value = value_text.c_str();
-    return done(uci_add_list(context_.get(), &ptr));
+    return store_value(section, option, value, uci_add_list);
 }
 
 bool UciPackage::delete_option(uci_section *section, std::string_view option)

@@ -54,6 +54,9 @@ private:
     /// Keeps the reason of a failure; true for success.
     bool done(int result);
     bool check_value(std::string_view option, std::string_view value);
+    using ValueCall = int(uci_context *, uci_ptr *);
+    bool store_value(uci_section *section, std::string_view option, std::string_view value,
+                     ValueCall &call);
 
     std::unique_ptr<uci_context, FreeContext> context_;
     uci_package *package_ = nullptr;
