@@ -54,6 +54,7 @@ private:
     /// Keeps the reason of a failure; true for success.
     bool done(int result);
     bool check_value(std::string_view option, std::string_view value);
+    /// uci_set for an option, uci_add_list for an item.
     using ValueCall = int(uci_context *, uci_ptr *);
     bool store_value(uci_section *section, std::string_view option, std::string_view value,
                      ValueCall &call);
